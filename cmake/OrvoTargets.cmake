@@ -1,0 +1,36 @@
+# One function makes every library, one every test binary, so that each target gets the same flags.
+
+# orvo_add_library(orvo_files SOURCES a.h a.cpp... LINKS Qt6::Core orvo_platform... [NO_QT])
+# NO_QT leaves moc out and keeps Qt from the include path.
+function(orvo_add_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "NO_QT" "" "SOURCES;LINKS;PRIVATE_LINKS")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+  target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE orvo_flags ${arg_PRIVATE_LINKS})
+  if(NOT arg_NO_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  endif()
+endfunction()
+
+# orvo_add_test(files_test SOURCES ... LINKS ... [GUI | NO_QT] [TIMEOUT seconds])
+# GUI tests get an offscreen QApplication, others a QCoreApplication, NO_QT tests plain GoogleTest.
+function(orvo_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "GUI;NO_QT" "TIMEOUT" "SOURCES;LINKS")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/tests")
+  target_compile_definitions(${name} PRIVATE ORVO_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+  if(arg_NO_QT)
+    target_link_libraries(${name} PRIVATE orvo_flags ${arg_LINKS} GTest::gtest GTest::gtest_main)
+  elseif(arg_GUI)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PRIVATE orvo_flags ${arg_LINKS} orvo_test_gui_main)
+  else()
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PRIVATE orvo_flags ${arg_LINKS} orvo_test_core_main)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${arg_TIMEOUT})
+endfunction()

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/Result.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <variant>
+
+namespace orvo {
+
+using PreferenceValue = std::variant<bool, double, QString, QStringList, QByteArray>;
+
+/// A key and the type that is stored under it. All keys stand in `preference` below.
+template <class T>
+struct PreferenceKey {
+    const char* name;
+};
+
+/// The whole key table of the application. Defaults belong to the models that own the keys.
+namespace preference {
+inline constexpr PreferenceKey<bool> keepAwake{"keepAwake"};
+inline constexpr PreferenceKey<QByteArray> providers{"providers"};
+inline constexpr PreferenceKey<QStringList> recentFolders{"recentFolders"};
+inline constexpr PreferenceKey<QString> workspace{"workspace"};
+inline constexpr PreferenceKey<QByteArray> history{"history"};
+inline constexpr PreferenceKey<QString> background{"background"};
+inline constexpr PreferenceKey<QString> accent{"accent"};
+inline constexpr PreferenceKey<double> terminalFont{"terminalFont"};
+inline constexpr PreferenceKey<QString> preset{"preset"};
+inline constexpr PreferenceKey<bool> pelkAccentApplied{"pelkAccentApplied"};
+inline constexpr PreferenceKey<bool> migratedFromPelk{"orvo.migratedFromPelk"};
+inline constexpr PreferenceKey<bool> petEnabled{"orvo.pet.enabled"};
+inline constexpr PreferenceKey<QString> petAppearance{"orvo.pet.appearance"};
+inline constexpr PreferenceKey<double> petScale{"orvo.pet.scale"};
+inline constexpr PreferenceKey<bool> petAnimate{"orvo.pet.animate"};
+inline constexpr PreferenceKey<QByteArray> petImage{"orvo.pet.image"};
+inline constexpr PreferenceKey<bool> petWarriorInstalled{"orvo.pet.warriorInstalled.v1"};
+inline constexpr PreferenceKey<double> petX{"orvo.pet.x"};
+inline constexpr PreferenceKey<double> petY{"orvo.pet.y"};
+}  // namespace preference
+
+/// Where the models keep what must outlive the process. Main thread only.
+/// A stored value of another type than the key's counts as absent and is left as it is until overwritten.
+class Preferences {
+public:
+    virtual ~Preferences() = default;
+
+    template <class T>
+    std::optional<T> value(PreferenceKey<T> key) const {
+        const std::optional<PreferenceValue> stored = read(key.name);
+        if (!stored || !std::holds_alternative<T>(*stored)) return std::nullopt;
+        return std::get<T>(*stored);
+    }
+
+    /// Stored at once, so that a crash right after loses nothing. The error says why it could not be kept.
+    template <class T>
+    Result<void> setValue(PreferenceKey<T> key, const std::type_identity_t<T>& value) {
+        return write(key.name, PreferenceValue(value));
+    }
+
+    template <class T>
+    Result<void> remove(PreferenceKey<T> key) {
+        return write(key.name, std::nullopt);
+    }
+
+protected:
+    virtual std::optional<PreferenceValue> read(const char* name) const = 0;
+    virtual Result<void> write(const char* name, std::optional<PreferenceValue> value) = 0;
+};
+
+}  // namespace orvo

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+namespace orvo {
+
+/// The nine pages of the main window.
+enum class Destination { Workspace, Runs, Agents, Files, History, Mac, Companion, Appearance, Settings };
+
+inline constexpr std::array allDestinations = {
+    Destination::Workspace, Destination::Runs,      Destination::Agents,     Destination::Files,   Destination::History,
+    Destination::Mac,       Destination::Companion, Destination::Appearance, Destination::Settings};
+
+/// The page's title, which is also its stored value.
+QString textOf(Destination destination);
+/// Symbol name of its sidebar icon.
+QString symbolOf(Destination destination);
+/// Nothing for a text that names no page.
+std::optional<Destination> destinationNamed(const QString& text);
+
+}  // namespace orvo

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "assistants/Assistants.h"
+#include "files/ProjectFiles.h"
+#include "history/HistoryStore.h"
+#include "platform/Clock.h"
+#include "platform/Dialogs.h"
+#include "platform/Launcher.h"
+#include "platform/SleepInhibitor.h"
+#include "terminal/TerminalSession.h"
+#include "workspace/Destination.h"
+#include "workspace/RunActivity.h"
+#include "workspace/TeamRunHandover.h"
+
+#include <QObject>
+#include <QSet>
+#include <QUuid>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace orvo {
+
+class Preferences;
+
+/// What the hub is built from. All references outlive the workspace.
+struct WorkspaceServices {
+    /// Null for a workspace that neither reads nor writes preferences.
+    Preferences* preferences = nullptr;
+    Clock& clock;
+    Dialogs& dialogs;
+    Launcher& launcher;
+    SleepInhibitor& sleepInhibitor;
+    ToolEnvironment tools;
+};
+
+/// The hub behind the main window: it owns the engines and the terminal sessions, and keeps what several
+/// screens share. Main thread only; every field has a signal that is emitted when it changes.
+class Workspace : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Workspace(WorkspaceServices services, QObject* parent = nullptr);
+    ~Workspace() override;
+
+    Assistants& assistants();
+    HistoryStore& history();
+    ProjectFiles& files();
+    const Assistants& assistants() const;
+    const HistoryStore& history() const;
+    const ProjectFiles& files() const;
+
+    Destination destination() const;
+    const std::optional<FilePath>& folder() const;
+    /// The folder's last component, or "Choose a project".
+    QString folderName() const;
+    const QList<FilePath>& recentFolders() const;
+    const QSet<QString>& selectedProviders() const;
+    const QString& prompt() const;
+    bool separateCopies() const;
+    bool preparingRun() const;
+    bool keepAwake() const;
+    bool focusMode() const;
+    const std::optional<QString>& toast() const;
+    bool presentConnector() const;
+    const std::optional<Provider>& editingProvider() const;
+    /// In creation order.
+    const std::vector<std::shared_ptr<TerminalSession>>& sessions() const;
+    const std::optional<QUuid>& activeSessionID() const;
+    std::shared_ptr<TerminalSession> activeSession() const;
+    std::shared_ptr<TerminalSession> session(const QUuid& id) const;
+
+    void setDestination(Destination destination);
+    void setSelectedProviders(const QSet<QString>& ids);
+    void setPrompt(const QString& prompt);
+    void setSeparateCopies(bool separate);
+    void setKeepAwake(bool keepAwake);
+    void setFocusMode(bool focus);
+    void setActiveSessionID(const QUuid& id);
+    /// Shows the connector editor for a record, or for a new connector when none is given.
+    void editConnector(const std::optional<Provider>& provider);
+    void dismissConnector();
+
+    /// Opens a project folder, remembers it, says so.
+    void setFolder(const FilePath& folder);
+    /// For this run only: nothing is checked, stored or said ("--workspace", the example project).
+    void openFolderForThisRun(const FilePath& folder);
+    /// Asks about unsaved changes, then for a folder.
+    void chooseFolder();
+    void revealFolder();
+    /// Shows a notice for four seconds, unless a newer one replaces it.
+    void notify(const QString& message);
+    /// Refreshes tools and files and says so.
+    void refreshWorkspace();
+
+    /// Who takes over tasks in "Separate copies" mode; null while nobody does.
+    void setTeamRuns(TeamRunHandover* teamRuns);
+    bool hasTeamRuns() const;
+
+    /// The composer's send action.
+    void dispatchPrompt();
+    void cancelPreparation();
+    /// Starts one provider in the project folder.
+    void launch(const Provider& provider, const QString& prompt);
+    void signIn(const Provider& provider);
+    void resume(const Provider& provider);
+
+    using SessionStep = std::function<void(TerminalSession&)>;
+    /// Any command as a session: listed, in front, started, with the one common finish step and then `onFinish`.
+    std::shared_ptr<TerminalSession> startSession(const QString& provider, const QString& title,
+                                                  const QString& command, const FilePath& directory,
+                                                  SessionStep beforeStart = {}, SessionStep onFinish = {});
+    /// Asks first when the session still runs.
+    void closeSession(const std::shared_ptr<TerminalSession>& session);
+    /// Shows the session alone.
+    void focusSession(const QUuid& id);
+    void stopAll();
+    bool anySessionRunning() const;
+
+    void exportSession(const TerminalSession& session);
+    void exportText(const QString& text, const QString& name);
+    void clearHistory();
+
+    /// Quitting: asks what must be asked; false when the person stays. Stops nothing yet.
+    bool confirmQuit();
+
+Q_SIGNALS:
+    void destinationChanged();
+    void folderChanged();
+    void recentFoldersChanged();
+    void selectedProvidersChanged();
+    void promptChanged();
+    void separateCopiesChanged();
+    void preparingRunChanged();
+    void keepAwakeChanged();
+    void focusModeChanged();
+    void toastChanged();
+    void presentConnectorChanged();
+    void sessionsChanged();
+    void activeSessionIDChanged();
+    /// Some listed session started or ended.
+    void sessionStatesChanged();
+    void teamRunsAttached();
+};
+
+}  // namespace orvo
