@@ -1,0 +1,48 @@
+# A thin face over CMakePresets.json. `make` alone says what there is.
+JOBS ?= $(shell n=$$(nproc); [ $$n -gt 3 ] && n=3; echo $$n)
+RELEASE := build/release/bin
+.DEFAULT_GOAL := help
+.PHONY: help build run test test-asan test-tsan bench lint format screenshots clean
+
+help: ## this list
+	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
+
+build: ## the programs: build/release/bin/orvo and build/release/bin/orvoctl
+	@scripts/install-deps build
+	@scripts/configure release $(if $(BENCH),-DORVO_BENCH=ON)
+	@cmake --build --preset release -j $(JOBS)
+
+run: build ## open the window; without a display, a headless demonstration
+	@scripts/run
+
+test: ## everything that continuous integration runs
+	@scripts/install-deps test
+	@scripts/test dev
+
+test-asan: ## the models under the address and undefined-behaviour sanitizers
+	@scripts/install-deps test
+	@scripts/test asan
+
+test-tsan: ## the Qt-free core under the thread sanitizer
+	@scripts/install-deps test
+	@scripts/test tsan
+
+bench: ## the interpreter beside libvterm, as a table
+	@scripts/install-deps bench
+	@$(MAKE) --no-print-directory build BENCH=1
+	@$(RELEASE)/orvo_bench
+
+lint: ## formatting, static analysis, layers
+	@scripts/install-deps lint test
+	@scripts/lint
+
+format: ## apply the formatting
+	@scripts/install-deps lint
+	@git ls-files '*.cpp' '*.h' | xargs clang-format-19 -i
+
+screenshots: ## every page in every palette as PNG, in build/screenshots
+	@scripts/install-deps test
+	@scripts/screenshots
+
+clean: ## remove everything built
+	@rm -rf build
