@@ -6,6 +6,8 @@
 #include <QMap>
 #include <QObject>
 
+#include <stop_token>
+
 namespace orvo {
 
 class Preferences;
@@ -17,7 +19,10 @@ class Assistants : public QObject {
 
 public:
     /// `preferences` is null for a model that keeps nothing; otherwise it outlives this object.
+    /// Reads the stored connectors; what is installed is known after `refreshProviders`.
     Assistants(Preferences* preferences, ToolEnvironment environment, QObject* parent = nullptr);
+    /// A running sign-in check is told to end and its answer dropped.
+    ~Assistants() override;
 
     const QList<Provider>& providers() const;
     /// Provider id → absolute path of its executable, for installed providers only.
@@ -32,15 +37,18 @@ public:
     /// Ready providers other than the shell.
     int readyCount() const;
     QString connectionLabel(const Provider& provider) const;
+    /// Where the program with this name, absolute path, or path below "~" lies; nothing when there is none.
     std::optional<FilePath> executablePath(const QString& name) const;
 
-    /// Replaces the record with this id in place, or adds it just before the last one; stores the list.
+    /// Replaces the record with this id in place, or adds it just before the last one; stores the list and
+    /// looks again for what is installed.
     void saveProvider(const Provider& provider);
     void refreshProviders();
     /// Asks the installed tools whether they are signed in; sends no request to any service.
     void checkConnections();
 
-    /// Adds connectors for this process only; nothing is stored.
+    /// Adds a connector, or puts it in place of the one with its id, for this process only; nothing is
+    /// stored.
     void addTemporary(const Provider& provider);
 
 Q_SIGNALS:
@@ -48,6 +56,21 @@ Q_SIGNALS:
     void availableChanged();
     void connectionStatusChanged();
     void checkingConnectionsChanged();
+
+private:
+    void showProviders();
+    void store();
+
+    Preferences* m_preferences;
+    ToolEnvironment m_environment;
+    // What is stored, and what was added for this process only; `m_providers` is both.
+    QList<Provider> m_stored;
+    QList<Provider> m_temporary;
+    QList<Provider> m_providers;
+    QMap<QString, FilePath> m_available;
+    QMap<QString, QString> m_connectionStatus;
+    bool m_checkingConnections = false;
+    std::stop_source m_stopChecks;
 };
 
 }  // namespace orvo

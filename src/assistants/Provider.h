@@ -43,7 +43,8 @@ QString shellQuote(const QString& text);
 
 /// JSON array of records, keys as the field names ("template" for `template_`).
 QByteArray encodeProviders(const QList<Provider>& providers);
-/// Nothing when the data is not such a list (every key is required and must be a text).
+/// Nothing when the data is not such a list (every key is required and must be a text). Ids are unique: where
+/// a hand-edited list repeats one, the first record counts and the later ones are left out.
 std::optional<QList<Provider>> decodeProviders(const QByteArray& json);
 
 }  // namespace orvo
