@@ -66,9 +66,17 @@ public:
         return write(key.name, std::nullopt);
     }
 
+    /// For the owner of a key whose stored value it cannot decode: the value is kept aside before the next
+    /// write replaces it, so that a person or a later version can still rescue it.
+    template <class T>
+    void markDamaged(PreferenceKey<T> key) {
+        keepAside(key.name);
+    }
+
 protected:
     virtual std::optional<PreferenceValue> read(const char* name) const = 0;
     virtual Result<void> write(const char* name, std::optional<PreferenceValue> value) = 0;
+    virtual void keepAside(const char* name) = 0;
 };
 
 }  // namespace orvo
