@@ -3,21 +3,28 @@
 #include "platform/FilePath.h"
 #include "terminal/core/TerminalScreen.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QUuid>
 
+#include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace orvo {
 
+class ChildProcess;
 class PTYTransport;
 
 /// One command in a pseudo-terminal of its own, with the screen that its output is interpreted into.
-/// Main thread only. Destroying a running session sends the terminate signal to the child's process group.
+/// Main thread only. Destroying a running session ends the child as `stop` does, the kill after one second
+/// included; the child is reaped all the same.
 class TerminalSession : public QObject {
     Q_OBJECT
 
@@ -43,13 +50,14 @@ public:
     /// -1 until a start has succeeded.
     int pid() const;
 
-    /// Launches the command; once a launch has succeeded, later calls do nothing.
+    /// Launches the command; once a launch has succeeded, later calls do nothing. A launch that fails says
+    /// why on the screen, leaves the exit code -1 and finishes the session; it may be tried again.
     void start();
     /// Dropped unless the session runs.
     void send(const QString& text);
     void sendBytes(const QByteArray& bytes);
     void resize(int rows, int columns);
-    /// Asks the child to end, and kills its process group after one second if it has not.
+    /// Asks the child to end, and kills what is left of its process group after one second. Does not wait.
     void stop();
 
     /// Called once when the session has ended, after its last output is on the screen.
@@ -59,6 +67,45 @@ Q_SIGNALS:
     void revisionChanged();
     void runningChanged();
     void exitCodeChanged();
+
+private:
+    void failStart(const QString& reason);
+    void receive(const QByteArray& batch);
+    void queueFeeding();
+    void feedForOneTurn();
+    void feedSlice();
+    void answer(std::string_view reply);
+    void finish(int status);
+
+    const QUuid m_id = QUuid::createUuid();
+    const QString m_providerID;
+    const QString m_title;
+    const QString m_command;
+    const FilePath m_directory;
+    const QDateTime m_started = QDateTime::currentDateTimeUtc();
+    TerminalScreen m_screen;
+    int m_revision = 0;
+    bool m_running = false;
+    std::optional<int> m_exitCode;
+    int m_pid = -1;
+
+    /// Both from a start until the session has finished.
+    std::shared_ptr<PTYTransport> m_transport;
+    std::shared_ptr<ChildProcess> m_child;
+    /// Batches that are not wholly on the screen yet; of the first, `m_fed` bytes are.
+    std::deque<QByteArray> m_batches;
+    qsizetype m_fed = 0;
+    bool m_feedingQueued = false;
+    /// What the screen has answered to the slice that is being fed.
+    QByteArray m_replies;
+    /// The child's status while output before it is still to be fed.
+    std::optional<int> m_pendingStatus;
 };
+
+/// Stops the sessions and waits for them without an event loop, for the end of the application: until all
+/// their process groups are gone, also those of sessions that were stopped and forgotten before, or `limit`
+/// has passed; what is left then is killed. False when a process could not be killed even so.
+bool stopSessionsAndWait(const std::vector<std::shared_ptr<TerminalSession>>& sessions,
+                         std::chrono::milliseconds limit = std::chrono::seconds(1));
 
 }  // namespace orvo
