@@ -13,7 +13,8 @@ class CellColor {
 public:
     constexpr CellColor() = default;
     constexpr explicit CellColor(Rgb color)
-        : m_value(0x0100'0000u | (std::uint32_t{color.red} << 16) | (std::uint32_t{color.green} << 8) | color.blue) {}
+        : m_value(0x0100'0000u | (std::uint32_t{color.red} << 16) | (std::uint32_t{color.green} << 8) |
+                  color.blue) {}
 
     constexpr bool isDefault() const { return m_value == 0; }
     constexpr std::optional<Rgb> color() const {

@@ -2,6 +2,7 @@
 
 #include "terminal/core/TerminalCell.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -10,10 +11,14 @@
 namespace orvo {
 
 /// One line of the grid or of the scrollback: its cells, the texts of its clusters, and a stamp.
-/// Contract for readers; the screen alone writes. In the scrollback trailing blank cells are cut off.
+/// A reader sees a row as const; the operations that change one belong to the screen. In the scrollback
+/// trailing blank cells are cut off.
 class TerminalRow {
 public:
-    std::span<const TerminalCell> cells() const { return m_cells; }
+    std::span<const TerminalCell> cells() const {
+        storeBlanks(m_width);
+        return {m_cells.data(), static_cast<std::size_t>(m_width)};
+    }
     /// UTF-8 text of one cell: a scalar with its marks, " " when blank, "" for a continuation cell.
     std::string text(int column) const;
     /// The whole line without trailing white space (Unicode White_Space), as UTF-8.
@@ -22,11 +27,50 @@ public:
     /// the stamps it drew knows which lines to draw again.
     std::uint64_t stamp() const { return m_stamp; }
 
+    /// The scalars that one cell holds at most; marks beyond are dropped, so that a flood of them needs no
+    /// memory.
+    static constexpr std::size_t longestCluster = 32;
+
+    int width() const { return m_width; }
+    /// Makes the row `width` blank cells.
+    void clear(int width, std::uint64_t stamp);
+    /// Cuts the row, or lengthens it with blank cells.
+    void setWidth(int width, std::uint64_t stamp);
+    void cutTrailingBlanks();
+
+    /// The cells from `column` on, of which the caller writes all `count`; they must lie within the width.
+    TerminalCell* overwrite(int column, int count, std::uint64_t stamp) {
+        if (column > m_filled) storeBlanks(column);
+        m_filled = std::max(m_filled, column + count);
+        m_stamp = stamp;
+        return m_cells.data() + column;
+    }
+    /// Adds a scalar to the text of a cell.
+    void join(int column, char32_t scalar, std::uint64_t stamp);
+    /// Makes the cells from `first` up to, not including, `end` copies of `blank`.
+    void erase(int first, int end, const TerminalCell& blank, std::uint64_t stamp);
+    /// Shifts the cells from `column` on to the right; what passes the last column is lost.
+    void insertCells(int column, int count, const TerminalCell& blank, std::uint64_t stamp);
+    /// Shifts the cells from `column` + `count` on to the left, and fills up with `blank`.
+    void removeCells(int column, int count, const TerminalCell& blank, std::uint64_t stamp);
+
+    /// Whether the row keeps its own rules; for `TerminalScreen::assertInvariants`.
+    bool consistent() const;
+
 private:
-    friend class TerminalScreen;
-    std::vector<TerminalCell> m_cells;
-    std::vector<std::u32string> m_clusters;
+    void storeBlanks(int end) const;
+    void appendText(std::string& text, const TerminalCell& cell) const;
+    std::u32string& clusterOf(TerminalCell& cell);
+    void forgetUnusedClusters();
+
+    // Cells from m_filled on are blank, and are stored only when somebody asks for them: most lines are
+    // short, and the greater part of a flood is never looked at. That is why reading may write here.
+    mutable std::vector<TerminalCell> m_cells;
+    mutable int m_filled = 0;
+    int m_width = 0;
     std::uint64_t m_stamp = 0;
+    // Overwritten clusters stay until the table is twice as long as the row can need.
+    std::vector<std::u32string> m_clusters;
 };
 
 }  // namespace orvo

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "terminal/core/EscapeParser.h"
+#include "terminal/core/LineGrid.h"
 #include "terminal/core/TerminalRow.h"
+#include "terminal/core/Utf8Decoder.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,27 +22,28 @@ public:
     TerminalScreen(const TerminalScreen&) = delete;
     TerminalScreen& operator=(const TerminalScreen&) = delete;
 
-    int rows() const;
-    int columns() const;
+    int rows() const { return m_rows; }
+    int columns() const { return m_columns; }
     /// Cursor, 0-based.
-    int row() const;
-    int column() const;
-    bool cursorVisible() const;
-    bool bracketedPaste() const;
-    bool applicationCursor() const;
-    bool alternateScreen() const;
+    int row() const { return m_cursor.row; }
+    int column() const { return m_cursor.column; }
+    bool cursorVisible() const { return m_modes.cursorVisible; }
+    bool bracketedPaste() const { return m_modes.bracketedPaste; }
+    bool applicationCursor() const { return m_modes.applicationCursor; }
+    bool alternateScreen() const { return m_savedMain.has_value(); }
     /// Scrolling region, 0-based, both included.
-    int scrollTop() const;
-    int scrollBottom() const;
-    bool pendingWrap() const;
+    int scrollTop() const { return m_scrollTop; }
+    int scrollBottom() const { return m_scrollBottom; }
+    /// The last character was written in the last column; the next one first moves to the next line.
+    bool pendingWrap() const { return m_pendingWrap; }
 
     /// A line of the visible grid, 0 at the top.
-    const TerminalRow& line(int row) const;
+    const TerminalRow& line(int row) const { return *m_grid.line(row); }
     /// At most 2,000 lines, 0 is the oldest.
-    int scrollbackCount() const;
-    const TerminalRow& scrollbackLine(int index) const;
+    int scrollbackCount() const { return m_scrollback.size(); }
+    const TerminalRow& scrollbackLine(int index) const { return *m_scrollback.line(index); }
     /// Lines that ever left the top into the scrollback; grows only. A view uses it to stay on the same text.
-    std::uint64_t scrolledLines() const;
+    std::uint64_t scrolledLines() const { return m_scrolledLines; }
 
     /// Raw output bytes; an incomplete UTF-8 sequence at the end waits for the next call.
     void feed(std::string_view bytes);
@@ -59,7 +65,88 @@ public:
     void assertInvariants() const;
 
 private:
-    // The implementation decides.
+    friend class EscapeParser;
+
+    struct Cursor {
+        int row = 0;
+        int column = 0;
+    };
+    struct Modes {
+        bool cursorVisible = true;
+        bool bracketedPaste = false;
+        bool applicationCursor = false;
+    };
+    /// The main screen while a program uses the alternate one.
+    struct SavedScreen {
+        LineGrid grid;
+        Cursor cursor;
+    };
+    enum class KeepHistory : bool { No, Yes };
+    enum class ModeChange : bool { Reset, Set };
+
+    // What the parser finds.
+    void printAscii(std::string_view text);
+    void print(char32_t scalar);
+    void control(char character);
+    void escape(char32_t scalar);
+    void controlSequence(const ControlSequence& sequence);
+
+    // Writing and scrolling.
+    void wrap();
+    void advance(int width);
+    void joinPrevious(char32_t mark);
+    void lineFeed();
+    void scrollUp();
+    void scrollDown(int top);
+    void reverseLineFeed();
+    void removeLine(int row);
+    void pushScrollback(TerminalRow* row);
+
+    // Control sequences.
+    bool moveCursor(const ControlSequence& sequence);
+    void edit(const ControlSequence& sequence);
+    void eraseInDisplay(int extent);
+    void eraseInLine(int extent);
+    void eraseLines(int first, int end);
+    void setRegion(const ControlSequence& sequence);
+    void changeModes(const ControlSequence& sequence, ModeChange change);
+    void report(const ControlSequence& sequence);
+    void respond(std::string_view reply) const;
+    void enterAlternate();
+    void leaveAlternate();
+    void fullReset();
+
+    void clamp();
+    void useWholeRegion();
+    void fillGrid(LineGrid& grid);
+    void releaseGrid(LineGrid& grid);
+    void reshape(LineGrid& grid, Cursor& cursor, KeepHistory history, int rows, int columns);
+    void assertGrid() const;
+    std::uint64_t nextStamp() { return ++m_stamp; }
+    TerminalRow& cursorLine() { return *m_grid.line(m_cursor.row); }
+    /// What erased and inserted cells become.
+    TerminalCell blank() const { return {}; }
+
+    int m_rows;
+    int m_columns;
+    std::uint64_t m_stamp = 0;
+    std::uint64_t m_scrolledLines = 0;
+    RowStore m_store;
+    LineGrid m_grid;
+    Scrollback m_scrollback;
+    std::optional<SavedScreen> m_savedMain;
+
+    Cursor m_cursor;
+    Cursor m_savedCursor;
+    int m_scrollTop = 0;
+    int m_scrollBottom = 0;
+    bool m_pendingWrap = false;
+    Modes m_modes;
+    // Colours and attributes of new characters; its content is not used.
+    TerminalCell m_style;
+
+    EscapeParser m_parser;
+    Utf8Decoder m_decoder;
 };
 
 }  // namespace orvo

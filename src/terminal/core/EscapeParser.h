@@ -1,0 +1,207 @@
+#pragma once
+
+#include "terminal/core/ControlSequence.h"
+#include "terminal/core/Utf8Decoder.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvo {
+
+/// The byte machine: finds text, control characters and sequences in what a program writes, and hands each to
+/// a sink, which gives them meaning. The state survives between calls, so a sequence may come in pieces.
+///
+/// A sink has printAscii(std::string_view), print(char32_t), control(char), escape(char32_t) and
+/// controlSequence(const ControlSequence&).
+class EscapeParser {
+public:
+    /// A longer control sequence is abandoned.
+    static constexpr std::size_t longestSequence = 512;
+    static constexpr int greatestParameter = 1'000'000;
+
+    template <class Sink>
+    void feed(std::string_view bytes, Utf8Decoder& decoder, Sink& sink) {
+        const auto emit = [this, &sink](char32_t scalar) {
+            step(scalar, sink);
+        };
+        const char* position = bytes.data();
+        const char* const end = position + bytes.size();
+        if (decoder.pending()) position = decoder.resume(position, end, emit);
+        while (position < end) {
+            if (m_state == State::Ground) {
+                position = ground(position, end, decoder, sink);
+            } else if (m_state == State::String) {
+                position = skipString(position, end);
+            } else if (Utf8Decoder::isAscii(*position)) {
+                step(static_cast<unsigned char>(*position++), sink);
+            } else {
+                position = decoder.decode(position, end, emit);
+            }
+        }
+    }
+
+    /// Takes one scalar in any state; `feed` has shorter ways for the common ones.
+    template <class Sink>
+    void step(char32_t scalar, Sink& sink);
+
+private:
+    enum class State : std::uint8_t { Ground, Escape, ControlSequence, String, StringEscape, SkipOne };
+
+    static constexpr char escape = 27;
+    static constexpr char bell = 7;
+    static constexpr std::size_t quickParameters = 32;
+
+    static constexpr bool isControl(char32_t scalar) { return scalar < 0x20 || scalar == 0x7F; }
+    static constexpr bool isFinal(char32_t scalar) { return scalar >= 0x40 && scalar <= 0x7E; }
+
+    template <class Sink>
+    const char* ground(const char* position, const char* end, Utf8Decoder& decoder, Sink& sink);
+    /// Dispatches the well-formed sequence behind "ESC [" when it is all there, without collecting it.
+    /// Returns where to go on, or null when the sequence must be collected.
+    template <class Sink>
+    const char* quickSequence(const char* position, const char* end, Sink& sink);
+    template <class Sink>
+    void stepEscape(char32_t scalar, Sink& sink);
+    template <class Sink>
+    void stepSequence(char32_t scalar, Sink& sink);
+
+    const char* skipString(const char* position, const char* end);
+    ControlSequence collectedSequence(char final);
+
+    State m_state = State::Ground;
+    std::size_t m_count = 0;
+    // One byte a scalar: beyond ASCII only the fact matters that it is no digit, so 0xFF stands for all.
+    std::array<char, longestSequence> m_collected;
+    std::array<int, quickParameters> m_quick;
+    std::vector<int> m_parameters;
+};
+
+/// The length of the run of printable ASCII at the start of the bytes.
+std::size_t printableRun(const char* position, const char* end);
+
+template <class Sink>
+void EscapeParser::step(char32_t scalar, Sink& sink) {
+    switch (m_state) {
+        case State::Ground:
+            if (scalar == static_cast<char32_t>(escape)) {
+                m_state = State::Escape;
+            } else if (isControl(scalar)) {
+                sink.control(static_cast<char>(scalar));
+            } else {
+                sink.print(scalar);
+            }
+            break;
+        case State::Escape:
+            stepEscape(scalar, sink);
+            break;
+        case State::ControlSequence:
+            stepSequence(scalar, sink);
+            break;
+        case State::String:
+            if (scalar == static_cast<char32_t>(escape)) m_state = State::StringEscape;
+            if (scalar == static_cast<char32_t>(bell)) m_state = State::Ground;
+            break;
+        case State::StringEscape:
+            m_state = scalar == U'\\' ? State::Ground : State::String;
+            break;
+        case State::SkipOne:
+            m_state = State::Ground;
+            break;
+    }
+}
+
+template <class Sink>
+void EscapeParser::stepEscape(char32_t scalar, Sink& sink) {
+    switch (scalar) {
+        case U'[':
+            m_count = 0;
+            m_state = State::ControlSequence;
+            break;
+        case U']':
+        case U'P':
+        case U'^':
+        case U'_':
+            m_state = State::String;
+            break;
+        case U'(':
+        case U')':
+            m_state = State::SkipOne;
+            break;
+        default:
+            m_state = State::Ground;
+            sink.escape(scalar);
+    }
+}
+
+template <class Sink>
+void EscapeParser::stepSequence(char32_t scalar, Sink& sink) {
+    if (isFinal(scalar)) {
+        m_state = State::Ground;
+        sink.controlSequence(collectedSequence(static_cast<char>(scalar)));
+    } else if (m_count < longestSequence) {
+        m_collected[m_count++] = scalar < 0x80 ? static_cast<char>(scalar) : '\xFF';
+    } else {
+        m_state = State::Ground;
+    }
+}
+
+template <class Sink>
+const char* EscapeParser::ground(const char* position, const char* end, Utf8Decoder& decoder, Sink& sink) {
+    while (position < end) {
+        if (const std::size_t run = printableRun(position, end)) {
+            sink.printAscii({position, run});
+            position += run;
+            if (position == end) break;
+        }
+        const char byte = *position;
+        if (!Utf8Decoder::isAscii(byte)) {
+            position = decoder.decode(position, end, [&sink](char32_t scalar) { sink.print(scalar); });
+        } else if (byte != escape) {
+            sink.control(byte);
+            ++position;
+        } else if (const char* next = quickSequence(position + 1, end, sink)) {
+            position = next;
+        } else {
+            m_state = State::Escape;
+            return position + 1;
+        }
+    }
+    return position;
+}
+
+template <class Sink>
+const char* EscapeParser::quickSequence(const char* position, const char* end, Sink& sink) {
+    if (end - position < 2 || *position != '[') return nullptr;
+    ++position;
+    ControlSequence sequence;
+    if (*position == '?') sequence.marker = *position++;
+    std::size_t count = 0;
+    int value = 0;
+    for (const char* const start = position; position < end; ++position) {
+        const char byte = *position;
+        if (byte >= '0' && byte <= '9') {
+            value = value * 10 + (byte - '0');
+            if (value > greatestParameter) value = greatestParameter;
+            continue;
+        }
+        if (count == quickParameters || position - start > static_cast<std::ptrdiff_t>(longestSequence / 2))
+            break;
+        if (byte == ';') {
+            m_quick[count++] = std::exchange(value, 0);
+            continue;
+        }
+        if (!Utf8Decoder::isAscii(byte) || !isFinal(static_cast<unsigned char>(byte))) break;
+        m_quick[count++] = value;
+        sequence.final = byte;
+        sequence.parameters = std::span(m_quick.data(), count);
+        sink.controlSequence(sequence);
+        return position + 1;
+    }
+    return nullptr;
+}
+
+}  // namespace orvo

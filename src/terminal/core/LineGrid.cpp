@@ -1,0 +1,65 @@
+#include "terminal/core/LineGrid.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvo {
+
+TerminalRow* RowStore::take(int width, std::uint64_t stamp) {
+    TerminalRow* row = nullptr;
+    if (m_free.empty()) {
+        row = &m_rows.emplace_back();
+    } else {
+        row = m_free.back();
+        m_free.pop_back();
+    }
+    row->clear(width, stamp);
+    return row;
+}
+
+void LineGrid::rotateUp(int top, int bottom) {
+    if (top == 0 && bottom == size() - 1) {
+        m_first = m_first + 1 == m_lines.size() ? 0 : m_first + 1;
+        return;
+    }
+    const auto first = handles().begin();
+    std::rotate(first + top, first + top + 1, first + bottom + 1);
+}
+
+void LineGrid::rotateDown(int top, int bottom) {
+    const auto first = handles().begin();
+    std::rotate(first + top, first + bottom, first + bottom + 1);
+}
+
+std::vector<TerminalRow*>& LineGrid::handles() {
+    if (m_first != 0) {
+        std::rotate(m_lines.begin(), m_lines.begin() + static_cast<std::ptrdiff_t>(m_first), m_lines.end());
+        m_first = 0;
+    }
+    return m_lines;
+}
+
+TerminalRow* Scrollback::line(int index) const {
+    const std::size_t position = m_oldest + static_cast<std::size_t>(index);
+    return m_lines[position < m_lines.size() ? position : position - m_lines.size()];
+}
+
+TerminalRow* Scrollback::push(TerminalRow* row) {
+    if (size() < capacity) {
+        m_lines.push_back(row);
+        return nullptr;
+    }
+    TerminalRow* const dropped = std::exchange(m_lines[m_oldest], row);
+    m_oldest = m_oldest + 1 == m_lines.size() ? 0 : m_oldest + 1;
+    return dropped;
+}
+
+void Scrollback::clear(RowStore& store) {
+    for (TerminalRow* const row : m_lines) {
+        store.giveBack(row);
+    }
+    m_lines.clear();
+    m_oldest = 0;
+}
+
+}  // namespace orvo
