@@ -20,7 +20,8 @@ struct Alert {
     Default defaultButton = Default::LastButton;
 };
 
-/// Questions put to the person. Each call blocks (with a running event loop) until answered. Main thread only.
+/// Questions put to the person. Each call blocks (with a running event loop) until answered. Main thread
+/// only.
 class Dialogs {
 public:
     virtual ~Dialogs() = default;

@@ -14,7 +14,8 @@ class FilePath {
 public:
     FilePath() = default;
     explicit FilePath(QByteArray bytes) : m_bytes(std::move(bytes)) {
-        while (m_bytes.size() > 1 && m_bytes.endsWith('/')) m_bytes.chop(1);
+        while (m_bytes.size() > 1 && m_bytes.endsWith('/'))
+            m_bytes.chop(1);
     }
     static FilePath fromString(const QString& path) { return FilePath(path.toUtf8()); }
 

@@ -13,7 +13,8 @@ namespace orvo {
 template <class Model, class Refresh>
 void observe(const Model& model, std::initializer_list<std::type_identity_t<void (Model::*)()>> changes,
              QObject* context, Refresh refresh) {
-    for (const auto change : changes) QObject::connect(&model, change, context, refresh);
+    for (const auto change : changes)
+        QObject::connect(&model, change, context, refresh);
     refresh();
 }
 
