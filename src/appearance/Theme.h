@@ -1,6 +1,6 @@
 #pragma once
 
-#include "appearance/HexColor.h"
+#include "appearance/ColorMath.h"
 
 #include <QList>
 #include <QObject>
@@ -23,14 +23,6 @@ struct ThemePreset {
     static const QList<ThemePreset>& all();
 };
 
-/// A colour with opacity (0 to 1).
-struct Rgba {
-    Rgb rgb;
-    double alpha = 1;
-
-    bool operator==(const Rgba&) const = default;
-};
-
 /// The application's appearance: two colours and a text size, from which everything else is derived.
 /// Main thread only. Every change is stored at once.
 class Theme : public QObject {
@@ -47,9 +39,10 @@ public:
     const QString& presetID() const;
 
     void apply(const ThemePreset& preset);
-    /// A colour of the person's own: the preset becomes "custom".
+    /// A colour of the person's own: the preset becomes "custom". Stored as six upper-case digits.
     void setBackgroundHex(const QString& hex);
     void setAccentHex(const QString& hex);
+    /// `points` is greater than 0.
     void setFontSize(double points);
 
     bool isClaude() const;
@@ -69,6 +62,22 @@ Q_SIGNALS:
     void accentHexChanged();
     void fontSizeChanged();
     void presetIDChanged();
+
+private:
+    struct Choice {
+        QString background;
+        QString accent;
+        QString preset;
+        double fontSize = 0;
+    };
+
+    void load();
+    void save();
+    /// Takes all of `next` over, stores it, and only then tells what has changed.
+    void change(Choice next);
+
+    Preferences* m_preferences;
+    Choice m_choice;
 };
 
 }  // namespace orvo

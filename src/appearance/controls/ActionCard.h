@@ -1,0 +1,24 @@
+#pragma once
+
+#include "appearance/controls/Pressable.h"
+
+namespace orvo {
+
+/// A card that does something when chosen: a symbol on a tile and a title.
+class ActionCard final : public Pressable {
+    Q_OBJECT
+
+public:
+    explicit ActionCard(const QString& icon, const QString& title, QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_icon;
+};
+
+}  // namespace orvo

@@ -1,0 +1,80 @@
+#include "appearance/controls/HeroArt.h"
+
+#include "appearance/controls/OrvoMark.h"
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <cmath>
+#include <numbers>
+
+namespace orvo {
+namespace {
+
+struct Orbit {
+    double a;
+    double b;
+};
+
+constexpr std::array<Orbit, 3> orbits{{{74, 32}, {113, 49}, {152, 66}}};
+constexpr double tilt = -26;
+
+struct Dot {
+    std::size_t orbit;
+    double angle;  // degrees around the orbit, 0 at its right end, clockwise
+    double radius;
+};
+
+constexpr std::array<Dot, 4> places{{{1, 215, 5}, {1, 8, 4.5}, {1, 40, 5}, {1, 145, 4}}};
+
+QPointF onOrbit(const Orbit& orbit, double degrees) {
+    const double angle = degrees * std::numbers::pi / 180;
+    return {orbit.a * std::cos(angle), orbit.b * std::sin(angle)};
+}
+
+}  // namespace
+
+HeroArt::HeroArt(const std::array<Rgb, 4>& dots, QWidget* parent) : QWidget(parent), m_dots(dots) {
+    setFixedSize(320, 216);
+}
+
+void HeroArt::paintEvent(QPaintEvent*) {
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(width() / 2.0, height() / 2.0);
+    painter.rotate(tilt);
+
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(toQColor(roles.border), 1));
+    for (const Orbit& orbit : orbits)
+        painter.drawEllipse(QPointF(), orbit.a, orbit.b);
+
+    // The front half of the inner orbit passes over the ring, with air around it.
+    const Orbit& inner = orbits[0];
+    const QRectF box(-inner.a, -inner.b, 2 * inner.a, 2 * inner.b);
+    QPainterPath front;
+    front.arcMoveTo(box, 180);
+    front.arcTo(box, 180, 180);
+    QPainterPath ring;
+    ring.addEllipse(QPointF(), 31, 31);
+    QPainterPath hole;
+    hole.addEllipse(QPointF(), 22, 22);
+    QPainterPathStroker cut;
+    cut.setWidth(8);
+    painter.fillPath(ring.subtracted(hole).subtracted(cut.createStroke(front)), toQColor(roles.text));
+    painter.strokePath(front, QPen(toQColor(roles.accent), 2.5, Qt::SolidLine, Qt::RoundCap));
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(toQColor(roles.accent));
+    painter.drawEllipse(onOrbit(inner, 0), 6.5, 6.5);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        painter.setBrush(toQColor(m_dots[i]));
+        painter.drawEllipse(onOrbit(orbits[places[i].orbit], places[i].angle), places[i].radius,
+                            places[i].radius);
+    }
+}
+
+}  // namespace orvo

@@ -1,0 +1,31 @@
+#include "appearance/controls/IconTile.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+#include "appearance/controls/symbols.h"
+
+#include <QPainter>
+
+namespace orvo {
+
+IconTile::IconTile(const QString& icon, int side, std::optional<Rgb> color, QWidget* parent)
+    : QWidget(parent), m_icon(icon), m_color(color) {
+    setFixedSize(side, side);
+}
+
+void IconTile::setIcon(const QString& icon, std::optional<Rgb> color) {
+    m_icon = icon;
+    m_color = color;
+    update();
+}
+
+void IconTile::paintEvent(QPaintEvent*) {
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    if (!isEnabled()) painter.setOpacity(0.4);
+    fillRounded(painter, rect(), 8, toQColor(m_color ? Roles::tileOf(*m_color) : roles.tile));
+    const int glyph = width() >= 36 ? 20 : width() >= 32 ? 18 : 16;
+    paintSymbol(painter, rect(), m_icon, toQColor(m_color.value_or(roles.accent)), glyph);
+}
+
+}  // namespace orvo

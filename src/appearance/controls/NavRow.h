@@ -1,0 +1,32 @@
+#pragma once
+
+#include "appearance/controls/Pressable.h"
+
+namespace orvo {
+
+/// An entry of the sidebar: symbol, text, and a count when there is one. Named by its text alone; the count
+/// is its accessible description.
+class NavRow final : public Pressable {
+    Q_OBJECT
+
+public:
+    explicit NavRow(const QString& icon, const QString& text, QWidget* parent = nullptr);
+
+    bool isCurrent() const { return m_current; }
+    void setCurrent(bool current);
+    /// 0 shows none.
+    void setCount(int count);
+
+    QSize sizeHint() const override { return {120, 32}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_icon;
+    int m_count = 0;
+    bool m_current = false;
+};
+
+}  // namespace orvo

@@ -1,0 +1,169 @@
+#include "appearance/controls/OrvoButton.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+#include "appearance/controls/symbols.h"
+#include "appearance/controls/typography.h"
+
+#include <QMenu>
+#include <QPainter>
+
+namespace orvo {
+namespace {
+
+constexpr double radius = 8;
+
+struct Measures {
+    int height;
+    int padding;
+    int icon;
+    int gap;
+};
+
+Measures measuresOf(OrvoButton::Size size) {
+    switch (size) {
+        case OrvoButton::Size::Regular:
+            return {32, 12, 16, 8};
+        case OrvoButton::Size::Small:
+            return {28, 10, 16, 6};
+        case OrvoButton::Size::Compact:
+            return {32, 8, 14, 4};
+    }
+    Q_UNREACHABLE();
+}
+
+}  // namespace
+
+OrvoButton::OrvoButton(const QString& title, const QString& icon, Kind kind, Size size, QWidget* parent)
+    : Pressable(title, parent), m_icon(icon), m_kind(kind), m_size(size) {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    adoptKind();
+}
+
+void OrvoButton::adoptKind() {
+    const TypeRole regular = isFilled() ? TypeRole::Name : TypeRole::Control;
+    setFont(fontOf(m_size == Size::Regular ? regular : TypeRole::SmallControl));
+    if (isSquare()) setToolTip(plainToolTip(title()));
+    updateGeometry();
+    update();
+}
+
+void OrvoButton::setIconName(const QString& icon) {
+    if (icon == m_icon) return;
+    m_icon = icon;
+    updateGeometry();
+    update();
+}
+
+void OrvoButton::setIconSide(IconSide side) {
+    m_iconSide = side;
+    update();
+}
+
+void OrvoButton::setKind(Kind kind) {
+    if (kind == m_kind) return;
+    m_kind = kind;
+    adoptKind();
+}
+
+void OrvoButton::setMenu(QMenu* menu) {
+    connect(this, &QAbstractButton::clicked, menu, [this, menu] {
+        const QPoint corner = mapToGlobal(QPoint(0, height() + 4));
+        menu->popup(corner);
+    });
+}
+
+QSize OrvoButton::sizeHint() const {
+    const Measures m = measuresOf(m_size);
+    if (isSquare()) return {m.height, m.height};
+    int width = 2 * m.padding + fontMetrics().horizontalAdvance(title());
+    if (!m_icon.isEmpty()) width += m.icon + m.gap;
+    return {width, m.height};
+}
+
+QColor OrvoButton::inkNow() const {
+    const Roles& roles = rolesOf(this);
+    switch (m_kind) {
+        case Kind::Primary:
+            return toQColor(roles.onAccent);
+        case Kind::DestructiveFilled:
+            return toQColor(roles.onDanger);
+        case Kind::Destructive:
+            return toQColor(roles.danger);
+        case Kind::Outlined:
+            return toQColor(roles.text);
+        case Kind::Plain:
+        case Kind::Icon:
+        case Kind::IconOutlined:
+            return blended(toQColor(roles.muted), toQColor(roles.text), hover());
+    }
+    Q_UNREACHABLE();
+}
+
+QColor OrvoButton::iconInkNow() const {
+    if (m_kind != Kind::Outlined) return inkNow();
+    const Roles& roles = rolesOf(this);
+    return blended(toQColor(roles.muted), toQColor(roles.text), hover());
+}
+
+void OrvoButton::paintBox(QPainter& painter) const {
+    const Roles& roles = rolesOf(this);
+    const QRectF box = rect();
+    if (isFilled()) {
+        const bool danger = m_kind == Kind::DestructiveFilled;
+        const QColor rest = toQColor(danger ? roles.danger : roles.accent);
+        const QColor lit = toQColor(danger ? roles.dangerFillHover : roles.accentHover);
+        const QColor down = toQColor(danger ? roles.dangerFillPressed : roles.accentPressed);
+        const QColor fill = isDown() ? down : blended(rest, lit, hover());
+        if (isFocusVisible()) {
+            // Ring at the edge, two of the backdrop, then the fill.
+            fillRounded(painter, box.adjusted(4, 4, -4, -4), radius - 3, fill);
+            strokeRing(painter, box, radius, rest);
+        } else {
+            fillRounded(painter, box, radius, fill);
+        }
+        return;
+    }
+    const bool danger = m_kind == Kind::Destructive;
+    const QColor clear(Qt::transparent);
+    const QColor fill = isDown()
+                            ? toQColor(danger ? roles.dangerPressed : roles.pressed)
+                            : blended(clear, toQColor(danger ? roles.dangerHover : roles.hover), hover());
+    fillRounded(painter, box, radius, fill);
+    if (isFocusVisible()) {
+        strokeRing(painter, box, radius, toQColor(roles.accent));
+    } else if (m_kind == Kind::Outlined || m_kind == Kind::IconOutlined) {
+        strokeRounded(painter, box, radius,
+                      blended(toQColor(roles.border), toQColor(roles.borderStrong), hover()));
+    } else if (danger) {
+        strokeRounded(painter, box, radius,
+                      blended(toQColor(roles.dangerBorder), toQColor(roles.danger), hover()));
+    } else if (m_kind == Kind::Icon) {
+        strokeRounded(painter, box, radius, blended(clear, toQColor(roles.borderStrong), hover()));
+    }
+}
+
+void OrvoButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setOpacity(controlOpacity());
+    paintBox(painter);
+
+    const Measures m = measuresOf(m_size);
+    if (isSquare()) {
+        paintSymbol(painter, rect(), m_icon, iconInkNow(), m.icon);
+        return;
+    }
+    const int textWidth = fontMetrics().horizontalAdvance(title());
+    const int iconWidth = m_icon.isEmpty() ? 0 : m.icon + m.gap;
+    int x = (width() - textWidth - iconWidth) / 2;
+    const bool leading = m_iconSide == IconSide::Leading;
+    if (!m_icon.isEmpty()) {
+        const int iconX = leading ? x : x + textWidth + m.gap;
+        paintSymbol(painter, QRectF(iconX, 0, m.icon, height()), m_icon, iconInkNow(), m.icon);
+        if (leading) x += iconWidth;
+    }
+    painter.setPen(inkNow());
+    painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::TextSingleLine, title());
+}
+
+}  // namespace orvo

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "appearance/controls/Pressable.h"
+
+class QMenu;
+
+namespace orvo {
+
+/// The application's button: a symbol and a title, never cut short.
+class OrvoButton final : public Pressable {
+    Q_OBJECT
+
+public:
+    enum class Kind {
+        /// Filled with the accent; one in each card or area.
+        Primary,
+        Outlined,
+        Destructive,
+        /// Filled, for the button that acts in an alert.
+        DestructiveFilled,
+        /// Without border, muted until pointed at.
+        Plain,
+        /// A square with a symbol alone; the title is its accessible name and its tooltip.
+        Icon,
+        IconOutlined,
+    };
+    /// 32 high; 28 high; 32 high and narrow, for the compact connector card.
+    enum class Size { Regular, Small, Compact };
+    enum class IconSide { Leading, Trailing };
+
+    explicit OrvoButton(const QString& title, const QString& icon = {}, Kind kind = Kind::Outlined,
+                        Size size = Size::Regular, QWidget* parent = nullptr);
+
+    void setIconName(const QString& icon);
+    void setIconSide(IconSide side);
+    void setKind(Kind kind);
+    /// Pops up below the button when it is pressed. The button does not own the menu.
+    void setMenu(QMenu* menu);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool isSquare() const { return m_kind == Kind::Icon || m_kind == Kind::IconOutlined; }
+    bool isFilled() const { return m_kind == Kind::Primary || m_kind == Kind::DestructiveFilled; }
+    void adoptKind();
+    void paintBox(QPainter& painter) const;
+    QColor inkNow() const;
+    QColor iconInkNow() const;
+
+    QString m_icon;
+    Kind m_kind;
+    Size m_size;
+    IconSide m_iconSide = IconSide::Leading;
+};
+
+}  // namespace orvo

@@ -1,0 +1,86 @@
+#include "appearance/controls/OrvoMark.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace orvo {
+namespace brand {
+namespace {
+
+constexpr double center = 16;
+constexpr double ringRadius = 7.4;
+constexpr double ringWidth = 3.2;
+constexpr QRectF ellipse(-13.2, -4.9, 26.4, 9.8);
+constexpr double tilt = -26;
+// Where the piece behind ends, seen from the left end of the ellipse: at (-9.6, -3.35).
+constexpr double behindSweep = -43.3;
+
+/// From the ellipse's own axes to the box.
+QPainterPath placed(const QPainterPath& path) {
+    return QTransform().translate(center, center).rotate(tilt).map(path);
+}
+
+}  // namespace
+
+QPainterPath orbit() {
+    QPainterPath path;
+    path.arcMoveTo(ellipse, 180);
+    path.arcTo(ellipse, 180, 180);
+    return placed(path);
+}
+
+QPainterPath orbitBehind() {
+    QPainterPath path;
+    path.arcMoveTo(ellipse, 180);
+    path.arcTo(ellipse, 180, behindSweep);
+    return placed(path);
+}
+
+QPainterPath ring(double gap) {
+    QPainterPath outline;
+    const QPointF middle(center, center);
+    outline.addEllipse(middle, ringRadius + ringWidth / 2, ringRadius + ringWidth / 2);
+    QPainterPath hole;
+    hole.addEllipse(middle, ringRadius - ringWidth / 2, ringRadius - ringWidth / 2);
+    QPainterPathStroker cut;
+    cut.setWidth(gap);
+    cut.setCapStyle(Qt::RoundCap);
+    return outline.subtracted(hole).subtracted(cut.createStroke(orbit()));
+}
+
+QPointF dot() {
+    return placed(QPainterPath(QPointF(ellipse.right(), 0))).currentPosition();
+}
+
+}  // namespace brand
+
+void paintOrvoMark(QPainter& painter, const QRectF& box, const QColor& text, const QColor& accent) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(box.topLeft());
+    painter.scale(box.width() / 32, box.height() / 32);
+    painter.fillPath(brand::ring(), text);
+    const QPen pen(accent, brand::orbitWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter.strokePath(brand::orbitBehind(), pen);
+    painter.strokePath(brand::orbit(), pen);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(accent);
+    painter.drawEllipse(brand::dot(), brand::dotRadius, brand::dotRadius);
+    painter.restore();
+}
+
+OrvoMark::OrvoMark(int size, QWidget* parent) : QWidget(parent) {
+    Q_ASSERT(size >= 24);
+    setFixedSize(size, size);
+}
+
+void OrvoMark::paintEvent(QPaintEvent*) {
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    paintOrvoMark(painter, rect(), toQColor(roles.text), toQColor(roles.accent));
+}
+
+}  // namespace orvo

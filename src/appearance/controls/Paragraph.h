@@ -1,0 +1,43 @@
+#pragma once
+
+#include "appearance/controls/painting.h"
+#include "appearance/controls/typography.h"
+
+#include <QTextLayout>
+#include <QWidget>
+
+namespace orvo {
+
+/// Running text with the line distance of the type scale, broken to its width; line breaks in it are kept.
+/// Its accessible name is the whole text.
+class Paragraph final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Paragraph(const QString& text, TypeRole type = TypeRole::Body, Ink ink = Ink::Muted,
+                       QWidget* parent = nullptr);
+
+    const QString& text() const { return m_text; }
+    void setText(const QString& text);
+    void setInk(Ink ink);
+    void setAlignment(Qt::Alignment alignment);
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    /// Breaks the text to `width` and gives the number of lines.
+    int layOut(QTextLayout& layout, int width) const;
+
+    QString m_text;
+    TypeRole m_type;
+    Ink m_ink;
+    Qt::Alignment m_alignment = Qt::AlignLeft;
+};
+
+}  // namespace orvo

@@ -1,0 +1,82 @@
+#include "appearance/controls/SessionTab.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+#include "appearance/controls/symbols.h"
+#include "appearance/controls/typography.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace orvo {
+namespace {
+
+constexpr int padding = 10;
+constexpr int glyph = 16;
+constexpr int gap = 8;
+constexpr int widest = 220;
+constexpr int narrowest = 96;
+constexpr int tabHeight = 32;
+
+}  // namespace
+
+SessionTab::SessionTab(const QString& icon, Rgb color, const QString& title, QWidget* parent)
+    : Pressable(title, parent), m_icon(icon), m_color(color) {
+    setFont(fontOf(TypeRole::SmallControl));
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setMaximumWidth(widest);
+}
+
+void SessionTab::setCurrent(bool current) {
+    if (current == m_current) return;
+    m_current = current;
+    update();
+}
+
+QSize SessionTab::sizeHint() const {
+    const int natural = 2 * padding + glyph + gap + fontMetrics().horizontalAdvance(title()) + 1;
+    return {std::min(natural, widest), tabHeight};
+}
+
+QSize SessionTab::minimumSizeHint() const {
+    return {std::min(sizeHint().width(), narrowest), tabHeight};
+}
+
+QRect SessionTab::textRect() const {
+    return rect().adjusted(padding + glyph + gap, 0, -padding, 0);
+}
+
+bool SessionTab::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+        if (fontMetrics().horizontalAdvance(title()) > textRect().width()) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(title()), this);
+        }
+        return true;
+    }
+    return Pressable::event(event);
+}
+
+void SessionTab::paintEvent(QPaintEvent*) {
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    painter.setOpacity(controlOpacity());
+    if (m_current) {
+        fillRounded(painter, rect(), 8, toQColor(roles.selected));
+    } else {
+        fillRounded(
+            painter, rect(), 8,
+            isDown() ? toQColor(roles.pressed) : blended(Qt::transparent, toQColor(roles.hover), hover()));
+    }
+    if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
+    paintSymbol(painter, QRectF(padding, 0, glyph, height()), m_icon, toQColor(m_color), glyph);
+    painter.setPen(m_current ? toQColor(roles.text)
+                             : blended(toQColor(roles.muted), toQColor(roles.text), hover()));
+    const QRect text = textRect();
+    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+}
+
+}  // namespace orvo
