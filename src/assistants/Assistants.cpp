@@ -63,7 +63,11 @@ Assistants::Assistants(Preferences* preferences, ToolEnvironment environment, QO
       m_stored(Provider::defaults()) {
     if (m_preferences) {
         if (const auto json = m_preferences->value(preference::providers)) {
-            if (auto providers = decodeProviders(*json)) m_stored = *std::move(providers);
+            if (auto providers = decodeProviders(*json)) {
+                m_stored = *std::move(providers);
+            } else {
+                m_preferences->markDamaged(preference::providers);
+            }
         }
     }
     m_providers = m_stored;

@@ -11,8 +11,9 @@ namespace orvo {
 enum class Destination { Workspace, Runs, Agents, Files, History, Mac, Companion, Appearance, Settings };
 
 inline constexpr std::array allDestinations = {
-    Destination::Workspace, Destination::Runs,      Destination::Agents,     Destination::Files,   Destination::History,
-    Destination::Mac,       Destination::Companion, Destination::Appearance, Destination::Settings};
+    Destination::Workspace, Destination::Runs,       Destination::Agents,
+    Destination::Files,     Destination::History,    Destination::Mac,
+    Destination::Companion, Destination::Appearance, Destination::Settings};
 
 /// The page's title, which is also its stored value.
 QString textOf(Destination destination);

@@ -12,7 +12,8 @@ class TeamRunHandover {
 public:
     virtual ~TeamRunHandover() = default;
 
-    virtual void startTeamRun(const QString& task, const QList<Provider>& providers, const FilePath& project) = 0;
+    virtual void startTeamRun(const QString& task, const QList<Provider>& providers,
+                              const FilePath& project) = 0;
     virtual void cancelPreparation() = 0;
     virtual bool preparingRun() const = 0;
     virtual void runSessionFinished(TerminalSession& session) = 0;

@@ -24,6 +24,7 @@
 namespace orvo {
 
 class Preferences;
+class ReportingPreferences;
 
 /// What the hub is built from. All references outlive the workspace.
 struct WorkspaceServices {
@@ -82,6 +83,8 @@ public:
     /// Shows the connector editor for a record, or for a new connector when none is given.
     void editConnector(const std::optional<Provider>& provider);
     void dismissConnector();
+    /// Keeps a connector and says so.
+    void saveProvider(const Provider& provider);
 
     /// Opens a project folder, remembers it, says so.
     void setFolder(const FilePath& folder);
@@ -95,9 +98,12 @@ public:
     /// Refreshes tools and files and says so.
     void refreshWorkspace();
 
-    /// Who takes over tasks in "Separate copies" mode; null while nobody does.
+    /// Who takes over tasks in "Separate copies" mode; null while nobody does. Outlives the workspace, or is
+    /// taken away first.
     void setTeamRuns(TeamRunHandover* teamRuns);
     bool hasTeamRuns() const;
+    /// For the team-run engine: `preparingRun` may have another answer now.
+    void refreshPreparingRun();
 
     /// The composer's send action.
     void dispatchPrompt();
@@ -108,7 +114,8 @@ public:
     void resume(const Provider& provider);
 
     using SessionStep = std::function<void(TerminalSession&)>;
-    /// Any command as a session: listed, in front, started, with the one common finish step and then `onFinish`.
+    /// Any command as a session: listed, in front, started, with the one common finish step and then
+    /// `onFinish`.
     std::shared_ptr<TerminalSession> startSession(const QString& provider, const QString& title,
                                                   const QString& command, const FilePath& directory,
                                                   SessionStep beforeStart = {}, SessionStep onFinish = {});
@@ -143,6 +150,45 @@ Q_SIGNALS:
     /// Some listed session started or ended.
     void sessionStatesChanged();
     void teamRunsAttached();
+
+private:
+    void restore();
+    void rememberFolder();
+    void reportUnsaved(const Error& error);
+    bool ensureFolder();
+    std::optional<QString> taskRefusal(const Provider& provider, const QString& task) const;
+    QList<Provider> taskTargets() const;
+    std::shared_ptr<TerminalSession> listedOrClosing(const QUuid& id) const;
+    void sessionFinished(TerminalSession& session);
+    void updateAwakeState();
+
+    WorkspaceServices m_services;
+    std::unique_ptr<ReportingPreferences> m_preferences;
+    RunActivity m_activity;
+    Assistants m_assistants;
+    HistoryStore m_history;
+    ProjectFiles m_files;
+    TeamRunHandover* m_teamRuns = nullptr;
+
+    Destination m_destination = Destination::Workspace;
+    std::optional<FilePath> m_folder;
+    QList<FilePath> m_recentFolders;
+    QSet<QString> m_selectedProviders = {QStringLiteral("claude"), QStringLiteral("codex")};
+    QString m_prompt;
+    bool m_separateCopies = true;
+    bool m_preparingRun = false;
+    bool m_keepAwake = false;
+    bool m_focusMode = false;
+    std::optional<QString> m_toast;
+    // Identifies the latest notice, so that the timer of an older one leaves it alone.
+    quint64 m_toastToken = 0;
+    bool m_presentConnector = false;
+    std::optional<Provider> m_editingProvider;
+    // Invariant: names a listed session, or nothing.
+    std::optional<QUuid> m_activeSessionID;
+    std::vector<std::shared_ptr<TerminalSession>> m_sessions;
+    // Closed while running: kept until their last output is recorded.
+    std::vector<std::shared_ptr<TerminalSession>> m_closingSessions;
 };
 
 }  // namespace orvo
