@@ -9,8 +9,7 @@
 
 namespace orvo {
 
-Glide::Glide(QWidget* widget, int milliseconds, std::function<void()> moved)
-    : m_widget(widget), m_milliseconds(milliseconds), m_moved(std::move(moved)) {}
+Glide::Glide(QWidget* widget, int milliseconds) : m_widget(widget), m_milliseconds(milliseconds) {}
 
 Glide::~Glide() = default;
 
@@ -51,11 +50,7 @@ void Glide::jumpTo(double value) {
 void Glide::step(double value) {
     if (m_value == value) return;
     m_value = value;
-    if (m_moved) {
-        m_moved();
-    } else {
-        m_widget->update();
-    }
+    m_widget->update();
 }
 
 }  // namespace orvo

@@ -2,7 +2,6 @@
 
 #include "appearance/controls/Card.h"
 #include "appearance/controls/OrvoStyle.h"
-#include "appearance/controls/Pressable.h"
 #include "appearance/controls/painting.h"
 
 #include <QApplication>
@@ -48,13 +47,7 @@ public:
 };
 
 Sheet::Sheet(QWidget* widget, int panelWidth)
-    : QWidget(widget->window()),
-      m_panel(new Card(this)),
-      m_panelWidth(panelWidth),
-      m_presence(this, 180, [this] {
-          placePanel();
-          update();
-      }) {
+    : QWidget(widget->window()), m_panel(new Card(this)), m_panelWidth(panelWidth), m_presence(this, 180) {
     hide();
     setFocusPolicy(Qt::StrongFocus);
     auto* column = new QVBoxLayout(m_panel);
@@ -93,11 +86,8 @@ void Sheet::open(QWidget* first) {
     show();
     raise();
     m_presence.to(1);
-    if (auto* control = qobject_cast<Pressable*>(first)) {
-        control->takeVisibleFocus();
-    } else {
-        (first ? first : this)->setFocus(Qt::TabFocusReason);
-    }
+    placePanel();
+    (first ? first : this)->setFocus(Qt::TabFocusReason);
 }
 
 void Sheet::dismiss() {
@@ -173,6 +163,7 @@ void Sheet::mousePressEvent(QMouseEvent* event) {
 }
 
 void Sheet::paintEvent(QPaintEvent*) {
+    placePanel();
     const Roles& roles = rolesOf(this);
     QPainter painter(this);
     painter.setOpacity(m_presence.value());

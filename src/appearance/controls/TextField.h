@@ -1,7 +1,5 @@
 #pragma once
 
-#include "appearance/controls/Caret.h"
-
 #include <QLineEdit>
 
 namespace orvo {
@@ -23,7 +21,6 @@ protected:
 
 private:
     QString m_icon;
-    Caret m_caret;
     bool m_invalid = false;
 };
 

@@ -1,0 +1,176 @@
+#include "team_runs/Changes.h"
+
+#include "team_runs/ContentHash.h"
+#include "team_runs/FileMap.h"
+#include "team_runs/runError.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace orvo::RunFiles {
+namespace {
+
+constexpr size_t bufferSize = 64 * 1024;
+// Files that one worker takes together: they often share a folder.
+constexpr size_t batchFiles = 32;
+
+/// One path of either tree. Null where the tree lacks it.
+struct Pair {
+    const MappedFile* before = nullptr;
+    const MappedFile* after = nullptr;
+
+    const QByteArray& path() const { return before != nullptr ? before->path : after->path; }
+};
+
+std::vector<Pair> pairsOf(const FileMap& baseline, const FileMap& result) {
+    std::vector<Pair> pairs;
+    pairs.reserve(std::max(baseline.size(), result.size()));
+    auto before = baseline.begin();
+    auto after = result.begin();
+    while (before != baseline.end() || after != result.end()) {
+        const bool onlyAfter =
+            before == baseline.end() || (after != result.end() && after->path < before->path);
+        const bool onlyBefore = !onlyAfter && (after == result.end() || before->path < after->path);
+        pairs.push_back({onlyAfter ? nullptr : &*before, onlyBefore ? nullptr : &*after});
+        if (!onlyAfter) ++before;
+        if (!onlyBefore) ++after;
+    }
+    return pairs;
+}
+
+/// A file as it is found when it is opened.
+struct Found {
+    FileDescriptor file;
+    int mode = 0;
+};
+
+/// Examines pairs, one at a time; one of these a thread.
+class Examiner {
+public:
+    Examiner(int baseline, int result, const std::stop_token& stop)
+        : m_baseline(baseline, FolderCursor::Missing::Fail),
+          m_result(result, FolderCursor::Missing::Fail),
+          m_stop(stop),
+          m_left(std::make_unique_for_overwrite<char[]>(bufferSize)),
+          m_right(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+
+    /// The change, nothing when there is none, or the number of the error.
+    SystemResult<std::optional<FileChange>> examine(const Pair& pair) {
+        if (pair.before != nullptr && pair.after != nullptr) return compare(pair);
+        FileChange change{pair.path(), {}, {}, {}, {}};
+        const bool added = pair.before == nullptr;
+        auto found = open(added ? m_result : m_baseline, pair.path());
+        if (!found) return tl::unexpected<int>(found.error());
+        auto digits = hashDescriptor(found->file.number(), m_stop);
+        if (!digits) return tl::unexpected<int>(digits.error());
+        (added ? change.after : change.before) = std::move(*digits);
+        (added ? change.afterMode : change.beforeMode) = found->mode;
+        return change;
+    }
+
+private:
+    static SystemResult<Found> open(FolderCursor& cursor, const QByteArray& path) {
+        const auto folder = cursor.folderOf(path);
+        if (!folder) return tl::unexpected<int>(folder.error());
+        struct stat status{};
+        auto file = openRegularFile(*folder, fileName(path), status);
+        if (!file) return tl::unexpected<int>(file.error());
+        return Found{std::move(*file), permissionsOf(status)};
+    }
+
+    SystemResult<std::optional<FileChange>> compare(const Pair& pair) {
+        const bool bothEmpty = pair.before->size == 0 && pair.after->size == 0;
+        if (bothEmpty && pair.before->mode == pair.after->mode) return std::nullopt;
+        auto before = open(m_baseline, pair.path());
+        if (!before) return tl::unexpected<int>(before.error());
+        auto after = open(m_result, pair.path());
+        if (!after) return tl::unexpected<int>(after.error());
+
+        SystemResult<bool> equal = false;
+        if (pair.before->size == pair.after->size)
+            equal = sameContent(before->file.number(), after->file.number());
+        if (!equal) return tl::unexpected<int>(equal.error());
+        if (*equal && before->mode == after->mode) return std::nullopt;
+
+        auto beforeDigits = hashDescriptor(before->file.number(), m_stop);
+        if (!beforeDigits) return tl::unexpected<int>(beforeDigits.error());
+        auto afterDigits = *equal ? beforeDigits : hashDescriptor(after->file.number(), m_stop);
+        if (!afterDigits) return tl::unexpected<int>(afterDigits.error());
+        // A file may have been written between the walk and now, and be as it was again.
+        if (*beforeDigits == *afterDigits && before->mode == after->mode) return std::nullopt;
+        return FileChange{pair.path(), std::move(*beforeDigits), std::move(*afterDigits), before->mode,
+                          after->mode};
+    }
+
+    SystemResult<bool> sameContent(int before, int after) {
+        while (true) {
+            if (m_stop.stop_requested()) return tl::unexpected<int>(ECANCELED);
+            const auto left = readFully(before, m_left.get(), bufferSize);
+            if (!left) return tl::unexpected<int>(left.error());
+            const auto right = readFully(after, m_right.get(), bufferSize);
+            if (!right) return tl::unexpected<int>(right.error());
+            if (*left != *right || std::memcmp(m_left.get(), m_right.get(), *left) != 0) return false;
+            if (*left < bufferSize) return true;
+        }
+    }
+
+    FolderCursor m_baseline;
+    FolderCursor m_result;
+    const std::stop_token& m_stop;
+    std::unique_ptr<char[]> m_left;
+    std::unique_ptr<char[]> m_right;
+};
+
+using Answers = std::vector<SystemResult<std::optional<FileChange>>>;
+
+/// Each worker writes the answers of its own pairs only.
+void examineAll(const std::vector<Pair>& pairs, int baseline, int result, const std::stop_token& stop,
+                Answers& answers) {
+    std::atomic<size_t> next{0};
+    const auto work = [&] {
+        Examiner examiner(baseline, result, stop);
+        for (size_t begin = next.fetch_add(batchFiles); begin < pairs.size();
+             begin = next.fetch_add(batchFiles)) {
+            const size_t end = std::min(begin + batchFiles, pairs.size());
+            for (size_t i = begin; i < end && !stop.stop_requested(); ++i)
+                answers[i] = examiner.examine(pairs[i]);
+        }
+    };
+    const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
+    std::vector<std::jthread> others;
+    for (size_t i = 1; i < threads && i * batchFiles < pairs.size(); ++i)
+        others.emplace_back(work);
+    work();
+}
+
+}  // namespace
+
+Result<QList<FileChange>> changes(const FilePath& baseline, const FilePath& result,
+                                  const std::stop_token& stop) {
+    const Result<FileMap> before = files(baseline, stop);
+    if (!before) return tl::unexpected<Error>(before.error());
+    const Result<FileMap> after = files(result, stop);
+    if (!after) return tl::unexpected<Error>(after.error());
+    const auto baselineRoot = openRoot(baseline);
+    if (!baselineRoot) return pathFailure(baseline.bytes(), baselineRoot.error());
+    const auto resultRoot = openRoot(result);
+    if (!resultRoot) return pathFailure(result.bytes(), resultRoot.error());
+
+    const std::vector<Pair> pairs = pairsOf(*before, *after);
+    Answers answers(pairs.size());
+    examineAll(pairs, baselineRoot->number(), resultRoot->number(), stop, answers);
+    if (stop.stop_requested()) return stopped();
+    QList<FileChange> found;
+    for (size_t i = 0; i < pairs.size(); ++i) {
+        if (!answers[i]) return pathFailure(pairs[i].path(), answers[i].error());
+        if (*answers[i]) found.append(**answers[i]);
+    }
+    return found;
+}
+
+}  // namespace orvo::RunFiles

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/FilePath.h"
+#include "platform/Result.h"
+#include "team_runs/folderAccess.h"
+
+#include <QByteArray>
+
+#include <memory>
+#include <stop_token>
+
+struct evp_md_ctx_st;
+
+namespace orvo::RunFiles {
+
+/// SHA-256 of content that comes in pieces, with the processor's own instructions where it has them.
+class ContentHash {
+public:
+    ContentHash();
+    ~ContentHash();
+
+    void add(const char* data, size_t size);
+    /// 64 lower-case hexadecimal digits. The hash then starts anew.
+    QByteArray digits();
+
+private:
+    void restart();
+
+    struct Free {
+        void operator()(evp_md_ctx_st* context) const;
+    };
+    std::unique_ptr<evp_md_ctx_st, Free> m_context;
+};
+
+/// Reads an open file from its beginning. EFBIG when it holds more than a copy may; ECANCELED when stopped.
+SystemResult<QByteArray> hashDescriptor(int descriptor, const std::stop_token& stop = {});
+
+/// The hash of the regular file at `file`; links are not followed.
+Result<QByteArray> hash(const FilePath& file);
+/// Its permission bits, read without opening it.
+Result<int> mode(const FilePath& file);
+
+}  // namespace orvo::RunFiles
