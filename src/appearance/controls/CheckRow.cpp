@@ -67,6 +67,7 @@ void CheckRow::paintEvent(QPaintEvent*) {
     check.initFrom(this);
     check.state.setFlag(QStyle::State_On, isChecked());
     check.state.setFlag(QStyle::State_MouseOver, false);
+    check.state.setFlag(QStyle::State_HasFocus, false);
     check.state.setFlag(QStyle::State_Enabled, true);  // the row fades as a whole
     check.rect = QRect(padding, (height() - box) / 2, box, box);
     style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &check, &painter, this);

@@ -9,7 +9,8 @@
 
 namespace orvo {
 
-Glide::Glide(QWidget* widget, int milliseconds) : m_widget(widget), m_milliseconds(milliseconds) {}
+Glide::Glide(QWidget* widget, int milliseconds, std::function<void()> moved)
+    : m_widget(widget), m_milliseconds(milliseconds), m_moved(std::move(moved)) {}
 
 Glide::~Glide() = default;
 
@@ -50,7 +51,11 @@ void Glide::jumpTo(double value) {
 void Glide::step(double value) {
     if (m_value == value) return;
     m_value = value;
-    m_widget->update();
+    if (m_moved) {
+        m_moved();
+    } else {
+        m_widget->update();
+    }
 }
 
 }  // namespace orvo

@@ -18,7 +18,7 @@ struct Orbit {
     double b;
 };
 
-constexpr std::array<Orbit, 3> orbits{{{74, 32}, {113, 49}, {152, 66}}};
+constexpr std::array<Orbit, 3> orbits{{{74, 27.5}, {112, 42}, {150, 58.5}}};
 constexpr double tilt = -26;
 
 struct Dot {
@@ -27,7 +27,7 @@ struct Dot {
     double radius;
 };
 
-constexpr std::array<Dot, 4> places{{{1, 215, 5}, {1, 8, 4.5}, {1, 40, 5}, {1, 145, 4}}};
+constexpr std::array<Dot, 4> places{{{2, 245, 4.5}, {1, 31, 4}, {2, 66, 4.5}, {1, 154, 3.5}}};
 
 QPointF onOrbit(const Orbit& orbit, double degrees) {
     const double angle = degrees * std::numbers::pi / 180;
@@ -59,9 +59,9 @@ void HeroArt::paintEvent(QPaintEvent*) {
     front.arcMoveTo(box, 180);
     front.arcTo(box, 180, 180);
     QPainterPath ring;
-    ring.addEllipse(QPointF(), 31, 31);
+    ring.addEllipse(QPointF(), 28.5, 28.5);
     QPainterPath hole;
-    hole.addEllipse(QPointF(), 22, 22);
+    hole.addEllipse(QPointF(), 19.5, 19.5);
     QPainterPathStroker cut;
     cut.setWidth(8);
     painter.fillPath(ring.subtracted(hole).subtracted(cut.createStroke(front)), toQColor(roles.text));
@@ -69,7 +69,7 @@ void HeroArt::paintEvent(QPaintEvent*) {
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(toQColor(roles.accent));
-    painter.drawEllipse(onOrbit(inner, 0), 6.5, 6.5);
+    painter.drawEllipse(onOrbit(inner, 0), 6, 6);
     for (std::size_t i = 0; i < places.size(); ++i) {
         painter.setBrush(toQColor(m_dots[i]));
         painter.drawEllipse(onOrbit(orbits[places[i].orbit], places[i].angle), places[i].radius,

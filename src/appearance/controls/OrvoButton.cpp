@@ -27,7 +27,7 @@ Measures measuresOf(OrvoButton::Size size) {
         case OrvoButton::Size::Small:
             return {28, 10, 16, 6};
         case OrvoButton::Size::Compact:
-            return {32, 8, 14, 4};
+            return {28, 8, 14, 4};
     }
     Q_UNREACHABLE();
 }

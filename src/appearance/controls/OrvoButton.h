@@ -24,7 +24,7 @@ public:
         Icon,
         IconOutlined,
     };
-    /// 32 high; 28 high; 32 high and narrow, for the compact connector card.
+    /// 32 high; 28 high; 28 high and narrow, for the compact connector card.
     enum class Size { Regular, Small, Compact };
     enum class IconSide { Leading, Trailing };
 

@@ -1,6 +1,7 @@
 #include "appearance/controls/OrvoStyle.h"
 
 #include "appearance/Theme.h"
+#include "appearance/controls/TextField.h"
 #include "appearance/controls/accessibility.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
@@ -122,8 +123,11 @@ int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
             return 16;
         case PM_ToolTipLabelFrameWidth:
             return 0;
-        case PM_TextCursorWidth:
-            return 2;
+        case PM_TextCursorWidth: {
+            // A text field paints its caret itself, in the accent. QLineEdit asks with the option alone.
+            const QObject* object = widget ? widget : option ? option->styleObject : nullptr;
+            return qobject_cast<const TextField*>(object) ? 0 : 2;
+        }
         case PM_ButtonShiftHorizontal:
         case PM_ButtonShiftVertical:
             return 0;

@@ -66,6 +66,9 @@ void paintCheckBox(const QStyleOption* option, QPainter* painter, const Roles& r
             fillRounded(*painter, rect.adjusted(4, 7, -4, -7), 1, toQColor(roles.accent));
         }
     }
+    if (has(option, QStyle::State_HasFocus) && has(option, QStyle::State_KeyboardFocusChange)) {
+        strokeRing(*painter, rect, 4, toQColor(has(option, QStyle::State_On) ? roles.text : roles.accent));
+    }
     painter->restore();
 }
 

@@ -19,6 +19,12 @@ void Pressable::setTitle(const QString& title) {
     updateGeometry();
 }
 
+void Pressable::takeVisibleFocus() {
+    setFocus(Qt::TabFocusReason);
+    m_focusVisible = true;  // also in a window that is not active yet
+    update();
+}
+
 bool Pressable::event(QEvent* event) {
     if (event->type() == QEvent::HoverEnter && isEnabled()) m_hover.to(1);
     if (event->type() == QEvent::HoverLeave) m_hover.to(0);

@@ -18,6 +18,8 @@ public:
 
     /// Whether the keyboard brought the focus here, so that the ring is due.
     bool isFocusVisible() const { return m_focusVisible; }
+    /// Takes the focus and shows it, as if the keyboard had brought it: the first control of a sheet.
+    void takeVisibleFocus();
 
 protected:
     Pressable(const QString& title, QWidget* parent);

@@ -2,6 +2,7 @@
 
 #include "appearance/controls/Card.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/Pressable.h"
 #include "appearance/controls/painting.h"
 
 #include <QApplication>
@@ -47,7 +48,13 @@ public:
 };
 
 Sheet::Sheet(QWidget* widget, int panelWidth)
-    : QWidget(widget->window()), m_panel(new Card(this)), m_panelWidth(panelWidth), m_presence(this, 180) {
+    : QWidget(widget->window()),
+      m_panel(new Card(this)),
+      m_panelWidth(panelWidth),
+      m_presence(this, 180, [this] {
+          placePanel();
+          update();
+      }) {
     hide();
     setFocusPolicy(Qt::StrongFocus);
     auto* column = new QVBoxLayout(m_panel);
@@ -86,8 +93,11 @@ void Sheet::open(QWidget* first) {
     show();
     raise();
     m_presence.to(1);
-    placePanel();
-    (first ? first : this)->setFocus(Qt::TabFocusReason);
+    if (auto* control = qobject_cast<Pressable*>(first)) {
+        control->takeVisibleFocus();
+    } else {
+        (first ? first : this)->setFocus(Qt::TabFocusReason);
+    }
 }
 
 void Sheet::dismiss() {
@@ -163,7 +173,6 @@ void Sheet::mousePressEvent(QMouseEvent* event) {
 }
 
 void Sheet::paintEvent(QPaintEvent*) {
-    placePanel();
     const Roles& roles = rolesOf(this);
     QPainter painter(this);
     painter.setOpacity(m_presence.value());

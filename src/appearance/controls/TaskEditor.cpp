@@ -3,6 +3,7 @@
 #include "appearance/controls/typography.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QPainter>
 #include <QTextDocument>
 
 #include <algorithm>
@@ -11,7 +12,7 @@
 namespace orvo {
 
 TaskEditor::TaskEditor(const QString& label, const QString& placeholder, QWidget* parent)
-    : QPlainTextEdit(parent) {
+    : QPlainTextEdit(parent), m_caret(this) {
     setAccessibleName(label);
     setAccessibleDescription(placeholder);
     setPlaceholderText(placeholder);
@@ -21,7 +22,8 @@ TaskEditor::TaskEditor(const QString& label, const QString& placeholder, QWidget
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(2);
-    setCursorWidth(2);
+    setCursorWidth(0);  // the caret is painted below, in the accent
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { m_caret.restart(); });
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
             [this] { adoptHeight(); });
@@ -68,6 +70,13 @@ void TaskEditor::focusOutEvent(QFocusEvent* event) {
 void TaskEditor::resizeEvent(QResizeEvent* event) {
     QPlainTextEdit::resizeEvent(event);
     adoptHeight();
+}
+
+void TaskEditor::paintEvent(QPaintEvent* event) {
+    QPlainTextEdit::paintEvent(event);
+    if (!m_caret.isLit() || isReadOnly()) return;
+    QPainter painter(viewport());
+    m_caret.paint(painter, cursorRect());
 }
 
 }  // namespace orvo

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "appearance/controls/Caret.h"
+
 #include <QPlainTextEdit>
 
 namespace orvo {
@@ -27,10 +29,12 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void adoptHeight();
 
+    Caret m_caret;
     int m_least = 60;
     int m_most = 160;
 };

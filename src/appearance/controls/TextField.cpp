@@ -9,10 +9,12 @@
 
 namespace orvo {
 
-TextField::TextField(const QString& placeholder, QWidget* parent) : QLineEdit(parent) {
+TextField::TextField(const QString& placeholder, QWidget* parent) : QLineEdit(parent), m_caret(this) {
     setFont(fontOf(TypeRole::Body));
     setPlaceholderText(placeholder);
     setFixedHeight(32);
+    connect(this, &QLineEdit::cursorPositionChanged, this, [this] { m_caret.restart(); });
+    connect(this, &QLineEdit::textChanged, this, [this] { m_caret.restart(); });
 }
 
 void TextField::setIcon(const QString& icon) {
@@ -30,8 +32,9 @@ void TextField::setInvalid(bool invalid) {
 
 void TextField::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
-    if (m_icon.isEmpty()) return;
     QPainter painter(this);
+    if (m_caret.isLit() && !isReadOnly()) m_caret.paint(painter, cursorRect());
+    if (m_icon.isEmpty()) return;
     if (!isEnabled()) painter.setOpacity(0.4);
     paintSymbol(painter, QRectF(10, 0, 16, height()), m_icon, toQColor(rolesOf(this).muted), 16);
 }

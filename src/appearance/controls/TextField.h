@@ -1,5 +1,7 @@
 #pragma once
 
+#include "appearance/controls/Caret.h"
+
 #include <QLineEdit>
 
 namespace orvo {
@@ -21,6 +23,7 @@ protected:
 
 private:
     QString m_icon;
+    Caret m_caret;
     bool m_invalid = false;
 };
 

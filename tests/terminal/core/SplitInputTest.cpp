@@ -1,0 +1,116 @@
+#include "terminal/core/ScreenText.h"
+#include "terminal/core/TerminalScreen.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+
+namespace orvo::test {
+namespace {
+
+/// Everything a screen shows and reports, as text.
+std::string snapshot(const TerminalScreen& screen) {
+    std::string text =
+        cursorOf(screen) + " region " + std::to_string(screen.scrollTop()) + "-" +
+        std::to_string(screen.scrollBottom()) + (screen.alternateScreen() ? " alternate" : "") +
+        (screen.cursorVisible() ? "" : " hidden") + (screen.bracketedPaste() ? " paste" : "") +
+        (screen.applicationCursor() ? " application" : "") + "\n" + drawnScrollback(screen) + "---\n";
+    for (int row = 0; row < screen.rows(); ++row) {
+        for (int column = 0; column < screen.columns(); ++column) {
+            const TerminalCell& cell = screen.line(row).cells()[static_cast<std::size_t>(column)];
+            text += screen.line(row).text(column);
+            if (!cell.foreground.isDefault()) text += hexOf(*cell.foreground.color());
+            if (!cell.background.isDefault()) text += "/" + hexOf(*cell.background.color());
+            text += std::string(cell.bold(), 'b') + std::string(cell.inverse(), 'i');
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+/// Hostile output: pieces of real sequences, cut and mixed with text and malformed UTF-8.
+class Output {
+public:
+    explicit Output(std::uint32_t seed) : m_engine(seed) {}
+
+    std::size_t below(std::size_t limit) { return m_engine() % limit; }
+
+    std::string piece() {
+        switch (below(6)) {
+            case 0:
+                return std::string(1 + below(30), static_cast<char>('a' + below(26)));
+            case 1:
+                return sequence();
+            case 2:
+                return std::string(1 + below(3), static_cast<char>(below(256)));
+            case 3:
+                return sequence().substr(0, 1 + below(4));
+            default:
+                return std::string(tokens[below(tokens.size())]);
+        }
+    }
+
+private:
+    static constexpr std::array<std::string_view, 24> tokens = {
+        "\r\n",         "\n",       "\b",        "\t",          "\u4E16\u754C",  "e\u0301",
+        "\U0001F600",   "\u3000",   "\x1B[?47h", "\x1B[?1049l", "\x1B[2;4r",     "\x1B[r",
+        "\x1B\x37",     "\x1B\x38", "\x1BM",     "\x1B\x44",    "\x1B\x63",      "\x1B]0;t\a",
+        "\x1BPx\x1B\\", "\x1B(0",   "\xE4\xB8",  "\xF0\x9F",    "\x1B[3?;5 !;m", "\x1B[6n",
+    };
+
+    std::string sequence() {
+        static constexpr std::string_view finals = "ABCDEFGHJKLMPSTX@`abcdefhlmnrsu";
+        static constexpr std::array<std::string_view, 6> markers = {"", "", "", "?", ">", "!"};
+        std::string text = "\x1B[" + std::string(markers[below(markers.size())]);
+        for (std::size_t count = below(4); count > 0; --count) {
+            text += std::to_string(below(60)) + ";";
+        }
+        if (below(8) == 0) text += std::string(500 + below(20), '0');
+        return text + std::to_string(below(30)) + finals[below(finals.size())];
+    }
+
+    std::mt19937 m_engine;
+};
+
+TEST(SplitInput, AnySplitOfTheInputGivesTheSameScreen) {
+    for (std::uint32_t seed = 0; seed < 400; ++seed) {
+        SCOPED_TRACE(seed);
+        Output output(seed);
+        const int rows = 3 + static_cast<int>(output.below(8));
+        const int columns = 10 + static_cast<int>(output.below(30));
+        std::string replies;
+        std::string repliesOfPieces;
+        TerminalScreen whole(rows, columns);
+        TerminalScreen pieces(rows, columns);
+        whole.onResponse = [&replies](std::string_view reply) {
+            replies += reply;
+        };
+        pieces.onResponse = [&repliesOfPieces](std::string_view reply) {
+            repliesOfPieces += reply;
+        };
+        for (int part = 0; part < 4; ++part) {
+            std::string bytes;
+            for (int count = 0; count < 60; ++count) {
+                bytes += output.piece();
+            }
+            whole.feed(bytes);
+            for (std::size_t start = 0; start < bytes.size();) {
+                const std::size_t length = 1 + output.below(seed % 2 == 0 ? 1 : 40);
+                pieces.feed(std::string_view(bytes).substr(start, length));
+                start += length;
+            }
+            whole.assertInvariants();
+            pieces.assertInvariants();
+            ASSERT_EQ(snapshot(whole), snapshot(pieces));
+            ASSERT_EQ(replies, repliesOfPieces);
+            const int newRows = 3 + static_cast<int>(output.below(9));
+            const int newColumns = 10 + static_cast<int>(output.below(40));
+            whole.resize(newRows, newColumns);
+            pieces.resize(newRows, newColumns);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvo::test

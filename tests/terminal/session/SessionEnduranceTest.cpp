@@ -1,0 +1,142 @@
+#include "TestSession.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <unistd.h>
+#include <algorithm>
+#include <set>
+#include <vector>
+
+namespace orvo {
+namespace {
+
+using namespace std::chrono_literals;
+using test::TestSession;
+using test::waitFor;
+
+/// What a session could leave behind in this process.
+struct Footprint {
+    qsizetype descriptors = 0;
+    qsizetype threads = 0;
+    qsizetype children = 0;
+    qint64 memory = 0;
+};
+
+QByteArray contents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+qint64 residentMemory() {
+    return contents(QStringLiteral("/proc/self/statm")).split(' ').value(1).toLongLong() * ::getpagesize();
+}
+
+Footprint footprint() {
+    Footprint now;
+    now.descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
+    const QStringList threads =
+        QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    now.threads = threads.size();
+    for (const QString& thread : threads) {
+        now.children += contents(QStringLiteral("/proc/self/task/%1/children").arg(thread))
+                            .simplified()
+                            .split(' ')
+                            .size();
+    }
+    ::malloc_trim(0);
+    now.memory = residentMemory();
+    return now;
+}
+
+/// Runs `count` sessions, twenty at a time, and takes each in another way to its end.
+void runSessions(int count) {
+    const QStringList commands{QStringLiteral("exit 0"), QStringLiteral("print -n text; exit 3"),
+                               QStringLiteral("print on; sleep 1000"), QStringLiteral("print -l {1..400}"),
+                               QStringLiteral("print on; cat")};
+    for (int started = 0; started < count;) {
+        std::vector<std::unique_ptr<TestSession>> sessions;
+        for (int i = 0; i < 20; ++i, ++started) {
+            sessions.push_back(std::make_unique<TestSession>(commands[started % commands.size()]));
+            sessions.back()->session->start();
+            sessions.back()->session->send(QStringLiteral("typed\r"));
+            sessions.back()->session->resize(30, 100);
+        }
+        for (std::size_t i = 0; i < sessions.size(); ++i) {
+            TestSession& test = *sessions[i];
+            const bool waits = i % 5 == 2 || i % 5 == 4;
+            if (waits) {
+                ASSERT_TRUE(test.shows("on"));
+            }
+            // Every tenth is forgotten while it runs.
+            if (i % 10 == 4) continue;
+            test.session->stop();
+            ASSERT_TRUE(test.ends());
+        }
+    }
+}
+
+TEST(SessionEndurance, AThousandSessionsLeaveNothingBehind) {
+    // The first ones fill the caches of allocator, loader and Qt.
+    runSessions(60);
+    ASSERT_TRUE(stopSessionsAndWait({}));
+    const Footprint before = footprint();
+
+    QElapsedTimer timer;
+    timer.start();
+    runSessions(1'000);
+    RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
+    EXPECT_LT(timer.elapsed(), 60'000);
+
+    EXPECT_TRUE(waitFor([&] {
+        const Footprint now = footprint();
+        return now.descriptors <= before.descriptors && now.threads <= before.threads &&
+               now.children <= before.children;
+    })) << "descriptors "
+        << footprint().descriptors << " of " << before.descriptors << ", threads " << footprint().threads
+        << " of " << before.threads << ", children " << footprint().children << " of " << before.children;
+    const qint64 growth = footprint().memory - before.memory;
+    RecordProperty("bytes", static_cast<int>(growth));
+    EXPECT_LT(growth, 5'000'000);
+}
+
+TEST(SessionEndurance, AFloodCostsNoMemoryAndNoOtherSessionItsKeys) {
+    std::vector<std::unique_ptr<TestSession>> floods;
+    for (int i = 0; i < 8; ++i) {
+        floods.push_back(std::make_unique<TestSession>(QStringLiteral("yes the quick brown fox jumps")));
+    }
+    TestSession typing(QStringLiteral("stty -echo; print ready; cat"));
+    typing.session->start();
+    ASSERT_TRUE(typing.shows("ready"));
+    for (const auto& flood : floods)
+        flood->session->start();
+    for (const auto& flood : floods)
+        ASSERT_TRUE(flood->shows("quick brown"));
+
+    const qint64 before = residentMemory();
+    qint64 slowest = 0;
+    QElapsedTimer whole;
+    whole.start();
+    for (int key = 0; whole.elapsed() < 5'000; ++key) {
+        const QString word = QStringLiteral("word%1").arg(key);
+        QElapsedTimer timer;
+        timer.start();
+        typing.session->send(word + QLatin1Char('\r'));
+        ASSERT_TRUE(typing.shows(word.toStdString()));
+        slowest = std::max(slowest, timer.elapsed());
+    }
+    RecordProperty("slowestMilliseconds", static_cast<int>(slowest));
+    EXPECT_LT(slowest, 5 * 100);
+    EXPECT_LT(residentMemory() - before, 64'000'000);
+
+    // Keys get through to a flooding program too.
+    floods.front()->session->send(QStringLiteral("\x03"));
+    ASSERT_TRUE(floods.front()->ends());
+    EXPECT_EQ(floods.front()->session->exitCode(), 130);
+}
+
+}  // namespace
+}  // namespace orvo
