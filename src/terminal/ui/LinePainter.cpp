@@ -1,0 +1,181 @@
+#include "terminal/ui/LinePainter.h"
+
+#include "terminal/ui/BoxDrawing.h"
+
+#include <QGlyphRun>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo {
+namespace {
+
+// A faint text keeps this share of its own colour over what lies below it.
+constexpr double dimShare = 0.6;
+
+QRgb opaque(Rgb color) {
+    return qRgb(color.red, color.green, color.blue);
+}
+
+QRgb mixed(QRgb over, QRgb under, double share) {
+    const auto channel = [share](int a, int b) {
+        return static_cast<int>(std::lround(a * share + b * (1 - share)));
+    };
+    return qRgb(channel(qRed(over), qRed(under)), channel(qGreen(over), qGreen(under)),
+                channel(qBlue(over), qBlue(under)));
+}
+
+bool isBlank(const TerminalCell& cell) {
+    return (cell.attributes & (TerminalCell::Cluster | TerminalCell::Continuation)) == 0 &&
+           cell.content == U' ';
+}
+
+int underlineStyle(const TerminalCell& cell) {
+    return (cell.attributes >> 9) & 7;
+}
+
+}  // namespace
+
+LinePainter::LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults, int columns)
+    : m_painter(painter),
+      m_glyphs(glyphs),
+      m_geometry(glyphs.geometry()),
+      m_defaultText(defaults.text.rgb()),
+      m_defaultBackground(defaults.background.rgb()),
+      m_columns(columns),
+      m_origin(painter.deviceTransform().map(QPointF(0, 0))),
+      m_scale(painter.deviceTransform().m11()) {
+    m_edges.reserve(static_cast<std::size_t>(columns) + 1);
+    for (int column = 0; column <= columns; ++column)
+        m_edges.push_back(snapX(m_geometry.columnX(column)));
+}
+
+double LinePainter::snapX(double x) const {
+    return (std::round(m_origin.x() + x * m_scale) - m_origin.x()) / m_scale;
+}
+
+double LinePainter::snapY(double y) const {
+    return (std::round(m_origin.y() + y * m_scale) - m_origin.y()) / m_scale;
+}
+
+QRectF LinePainter::snappedCell(int row, int column, int span) const {
+    const auto edge = [this](int at) {
+        return m_edges[static_cast<std::size_t>(std::clamp(at, 0, m_columns))];
+    };
+    const double top = snapY(m_geometry.lineY(row));
+    const double bottom = snapY(m_geometry.lineY(row + 1));
+    return {QPointF(edge(column), top), QPointF(edge(column + span), bottom)};
+}
+
+LinePainter::Look LinePainter::lookOf(const TerminalCell& cell) const {
+    Look look;
+    const QRgb own = cell.foreground.isDefault() ? m_defaultText : opaque(*cell.foreground.color());
+    if (cell.inverse()) {
+        look.text = cell.background.isDefault() ? m_defaultBackground : opaque(*cell.background.color());
+        look.fill = own;
+    } else {
+        look.text = own;
+        if (!cell.background.isDefault()) look.fill = opaque(*cell.background.color());
+    }
+    if ((cell.attributes & TerminalCell::Dim) != 0) {
+        look.text = mixed(look.text, look.fill != 0 ? look.fill : m_defaultBackground, dimShare);
+    }
+    const bool italic = (cell.attributes & TerminalCell::Italic) != 0;
+    look.style = cell.bold() ? (italic ? GlyphStyle::BoldItalic : GlyphStyle::Bold)
+                             : (italic ? GlyphStyle::Italic : GlyphStyle::Regular);
+    return look;
+}
+
+void LinePainter::paint(const TerminalRow& line, int row) {
+    const std::span<const TerminalCell> all = line.cells();
+    const auto cells = all.first(std::min(all.size(), static_cast<std::size_t>(m_columns)));
+    if (cells.empty()) return;
+    // Tall glyphs stay in their line: otherwise what they leave in the next one would depend on which was
+    // drawn last.
+    m_painter.setClipRect(snappedCell(row, 0, m_columns));
+    paintBackgrounds(cells, row);
+    paintTexts(line, cells, row);
+    paintDecorations(cells, row);
+}
+
+void LinePainter::paintBackgrounds(std::span<const TerminalCell> cells, int row) {
+    const int count = static_cast<int>(cells.size());
+    for (int begin = 0, end = 0; begin < count; begin = end) {
+        const QRgb fill = lookOf(cells[static_cast<std::size_t>(begin)]).fill;
+        for (end = begin + 1; end < count; ++end) {
+            if (lookOf(cells[static_cast<std::size_t>(end)]).fill != fill) break;
+        }
+        if (fill != 0) m_painter.fillRect(snappedCell(row, begin, end - begin), QColor::fromRgb(fill));
+    }
+}
+
+void LinePainter::paintTexts(const TerminalRow& line, std::span<const TerminalCell> cells, int row) {
+    const double baseline = snapY(m_geometry.lineY(row) + m_glyphs.baseline());
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const TerminalCell& cell = cells[i];
+        if (isBlank(cell) || cell.continuation() || (cell.attributes & TerminalCell::Conceal) != 0) continue;
+        const int column = static_cast<int>(i);
+        const int span = i + 1 < cells.size() && cells[i + 1].continuation() ? 2 : 1;
+        const Look look = lookOf(cell);
+        const bool cluster = (cell.attributes & TerminalCell::Cluster) != 0;
+        if (!cluster && isBoxCharacter(cell.content)) {
+            paintBoxCharacter(m_painter, cell.content, snappedCell(row, column, span),
+                              QColor::fromRgb(look.text), m_glyphs.fontSize() / 12, m_scale);
+            continue;
+        }
+        const quint32 glyph = cluster ? 0 : m_glyphs.glyph(cell.content, look.style);
+        if (glyph == 0) {
+            paintPicture(QString::fromStdString(line.text(column)), look, snappedCell(row, column, span));
+            continue;
+        }
+        if (look.text != m_runLook.text || look.style != m_runLook.style) flushGlyphs();
+        m_runLook = look;
+        m_runGlyphs.append(glyph);
+        m_runPositions.append(QPointF(m_geometry.columnX(column), baseline));
+    }
+    flushGlyphs();
+}
+
+void LinePainter::flushGlyphs() {
+    if (m_runGlyphs.isEmpty()) return;
+    QGlyphRun run;
+    run.setRawFont(m_glyphs.rawFont(m_runLook.style));
+    run.setRawData(m_runGlyphs.constData(), m_runPositions.constData(), static_cast<int>(m_runGlyphs.size()));
+    m_painter.setPen(QColor::fromRgb(m_runLook.text));
+    m_painter.drawGlyphRun(QPointF(0, 0), run);
+    m_runGlyphs.resize(0);
+    m_runPositions.resize(0);
+}
+
+void LinePainter::paintPicture(const QString& text, const Look& look, const QRectF& cell) {
+    const QSize size(static_cast<int>(std::lround(cell.width() * m_scale)),
+                     static_cast<int>(std::lround(cell.height() * m_scale)));
+    if (size.isEmpty()) return;
+    m_painter.drawPixmap(cell.topLeft(), m_glyphs.picture(text, look.style, look.text, size, m_scale));
+}
+
+void LinePainter::paintDecorations(std::span<const TerminalCell> cells, int row) {
+    constexpr std::uint16_t decorated = TerminalCell::Strike | TerminalCell::Overline | (7 << 9);
+    const double baseline = m_geometry.lineY(row) + m_glyphs.baseline();
+    const double thick = std::max(1.0, std::round(m_glyphs.lineThickness() * m_scale)) / m_scale;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const TerminalCell& cell = cells[i];
+        if ((cell.attributes & decorated) == 0) continue;
+        const QRectF area = snappedCell(row, static_cast<int>(i));
+        const QColor color = QColor::fromRgb(lookOf(cell).text);
+        const auto rule = [&](double y) {
+            const double top = std::min(snapY(y), area.bottom() - thick);
+            m_painter.fillRect(QRectF(area.x(), top, area.width(), thick), color);
+        };
+        if (const int style = underlineStyle(cell); style != 0) {
+            rule(baseline + m_glyphs.underlineOffset());
+            // Every other style than a single line is shown as a double one.
+            if (style > 1) rule(baseline + m_glyphs.underlineOffset() + 2 * thick);
+        }
+        if ((cell.attributes & TerminalCell::Strike) != 0) rule(baseline + m_glyphs.strikeOffset());
+        if ((cell.attributes & TerminalCell::Overline) != 0) rule(area.top());
+    }
+}
+
+}  // namespace orvo

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "terminal/core/TerminalRow.h"
+#include "terminal/ui/GlyphCache.h"
+
+#include <QColor>
+#include <QList>
+
+#include <vector>
+
+class QPainter;
+
+namespace orvo {
+
+/// What cells without colours of their own are drawn in.
+struct CellDefaults {
+    QColor text;
+    QColor background;
+
+    bool operator==(const CellDefaults&) const = default;
+};
+
+/// Draws lines of cells during one paint event.
+class LinePainter {
+public:
+    /// All references outlive the painter. `columns` is the width of the grid; what lies beyond is not drawn.
+    LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults, int columns);
+
+    /// Draws a line at the grid's row, within that row's rectangle. The background must be filled already.
+    void paint(const TerminalRow& line, int row);
+
+    /// A cell rectangle with its edges on whole device pixels: neighbours meet without gap or overlap.
+    QRectF snappedCell(int row, int column, int span = 1) const;
+
+private:
+    struct Look {
+        QRgb text = 0;
+        /// Transparent when the cell shows the view's background.
+        QRgb fill = 0;
+        GlyphStyle style = GlyphStyle::Regular;
+
+        bool operator==(const Look&) const = default;
+    };
+
+    Look lookOf(const TerminalCell& cell) const;
+    double snapX(double x) const;
+    double snapY(double y) const;
+    void paintBackgrounds(std::span<const TerminalCell> cells, int row);
+    void paintTexts(const TerminalRow& line, std::span<const TerminalCell> cells, int row);
+    void paintDecorations(std::span<const TerminalCell> cells, int row);
+    void paintPicture(const QString& text, const Look& look, const QRectF& cell);
+    void flushGlyphs();
+
+    QPainter& m_painter;
+    GlyphCache& m_glyphs;
+    const CellGeometry& m_geometry;
+    QRgb m_defaultText;
+    QRgb m_defaultBackground;
+    int m_columns;
+    QPointF m_origin;
+    double m_scale;
+    std::vector<double> m_edges;
+
+    // The run of glyphs of one look that is being collected.
+    Look m_runLook;
+    QList<quint32> m_runGlyphs;
+    QList<QPointF> m_runPositions;
+};
+
+}  // namespace orvo

@@ -1,0 +1,139 @@
+#include "terminal/ui/TerminalAccessible.h"
+
+#include "terminal/TerminalSession.h"
+#include "terminal/ui/TerminalView.h"
+
+#include <algorithm>
+
+namespace orvo {
+
+TerminalAccessible::TerminalAccessible(TerminalView* view) : QAccessibleWidget(view, QAccessible::Terminal) {}
+
+TerminalView& TerminalAccessible::view() const {
+    return *static_cast<TerminalView*>(widget());
+}
+
+void* TerminalAccessible::interface_cast(QAccessible::InterfaceType type) {
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+    return QAccessibleWidget::interface_cast(type);
+}
+
+QAccessible::State TerminalAccessible::state() const {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.multiLine = true;
+    return state;
+}
+
+const TerminalText& TerminalAccessible::content() const {
+    TerminalSession* session = view().session();
+    if (session == nullptr) {
+        m_version = {};
+        m_content = {};
+        return m_content;
+    }
+    const TerminalScreen& screen = session->screen();
+    if (m_version.session != session || m_version.revision != session->revision() ||
+        m_version.rows != screen.rows() || m_version.columns != screen.columns()) {
+        m_version = {session, session->revision(), screen.rows(), screen.columns()};
+        m_content = TerminalText::of(screen);
+    }
+    return m_content;
+}
+
+// --- What has changed
+
+void TerminalAccessible::notifyChanged(TerminalView& view) {
+    // A screen reader speaks what happens at the focus; others ask when they want to know.
+    if (!QAccessible::isActive() || !view.hasFocus()) return;
+    if (auto* self = dynamic_cast<TerminalAccessible*>(QAccessible::queryAccessibleInterface(&view)))
+        self->announce();
+}
+
+void TerminalAccessible::announce() {
+    const TerminalText before = std::exchange(m_announced, content());
+    const QString& old = before.text;
+    const QString& now = m_announced.text;
+    if (old != now) {
+        const qsizetype shorter = std::min(old.size(), now.size());
+        const auto [oldAt, nowAt] = std::mismatch(old.begin(), old.begin() + shorter, now.begin());
+        const qsizetype same = oldAt - old.begin();
+        qsizetype tail = 0;
+        while (tail < shorter - same && old[old.size() - 1 - tail] == now[now.size() - 1 - tail])
+            ++tail;
+        QAccessibleTextUpdateEvent event(&view(), static_cast<int>(same),
+                                         old.mid(same, old.size() - same - tail),
+                                         now.mid(same, now.size() - same - tail));
+        QAccessible::updateAccessibility(&event);
+    }
+    if (before.cursor != m_announced.cursor) {
+        QAccessibleTextCursorEvent event(&view(), m_announced.cursor);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+// --- Text interface
+
+void TerminalAccessible::selection(int, int* startOffset, int* endOffset) const {
+    *startOffset = *endOffset = 0;
+}
+
+int TerminalAccessible::cursorPosition() const {
+    return content().cursor;
+}
+
+QString TerminalAccessible::text(QAccessible::Text kind) const {
+    return QAccessibleWidget::text(kind);
+}
+
+QString TerminalAccessible::text(int startOffset, int endOffset) const {
+    return content().text.mid(startOffset, endOffset - startOffset);
+}
+
+int TerminalAccessible::characterCount() const {
+    return static_cast<int>(content().text.size());
+}
+
+int TerminalAccessible::rowOf(int line) const {
+    return line - view().session()->screen().scrollbackCount() + view().scrollOffset();
+}
+
+QRect TerminalAccessible::characterRect(int offset) const {
+    if (view().session() == nullptr || offset < 0 || offset > characterCount()) return {};
+    const TerminalText::Place place = content().placeOf(offset);
+    const CellGeometry& cells = view().geometryOfCells();
+    const QRect rect = cells.around(rowOf(place.line), place.offset);
+    return rect.translated(view().mapToGlobal(QPoint(0, 0)));
+}
+
+int TerminalAccessible::offsetAtPoint(const QPoint& point) const {
+    const TerminalText& text = content();
+    const QPoint local = view().mapFromGlobal(point);
+    if (text.lineStarts.isEmpty() || !view().rect().contains(local)) return -1;
+    const CellGeometry& cells = view().geometryOfCells();
+    const int line = (local.y() - CellGeometry::marginY) / cells.lineHeight - rowOf(0) - text.firstLine;
+    if (line < 0 || line >= text.lineStarts.size()) return -1;
+    const int column = std::max(0, static_cast<int>((local.x() - CellGeometry::marginX) / cells.cellWidth));
+    const int end = line + 1 < text.lineStarts.size() ? text.lineStarts[line + 1] - 1 : characterCount();
+    return std::min(text.lineStarts[line] + column, end);
+}
+
+void TerminalAccessible::scrollToSubstring(int startIndex, int) {
+    if (view().session() == nullptr) return;
+    view().setScrollOffset(view().session()->screen().scrollbackCount() - content().placeOf(startIndex).line);
+}
+
+QString TerminalAccessible::attributes(int, int* startOffset, int* endOffset) const {
+    *startOffset = 0;
+    *endOffset = characterCount();
+    return {};
+}
+
+void installTerminalAccessibility() {
+    // Qt ignores a factory that it already has.
+    QAccessible::installFactory([](const QString&, QObject* object) -> QAccessibleInterface* {
+        auto* view = qobject_cast<TerminalView*>(object);
+        return view != nullptr ? new TerminalAccessible(view) : nullptr;
+    });
+}
+
+}  // namespace orvo

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class QAction;
+class QMenu;
+
+namespace orvo {
+
+class ElidedLabel;
+class OrvoButton;
+class StatusPill;
+class TerminalSession;
+class TerminalView;
+class Theme;
+
+/// The framed panel of one session: a header with the connector's name, the session's state and a small menu,
+/// above the terminal. Owns no session. The focus given to the pane is the terminal's.
+class TerminalPane : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `theme` outlives the pane; `session` may go first.
+    TerminalPane(TerminalSession& session, Theme& theme, QWidget* parent = nullptr);
+
+    TerminalSession* session() const;
+    TerminalView& view() const { return *m_view; }
+
+    void setConnectorName(const QString& name);
+    /// Whether this is the workspace's active session, which the frame tells.
+    void setActive(bool active);
+    bool isActive() const { return m_active; }
+
+Q_SIGNALS:
+    /// The person has put the focus into this pane.
+    void activated();
+    void exportRequested();
+    void closeRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    QWidget* makeHeader();
+    QMenu* makeMenu();
+    void refreshState();
+    QColor frameColor() const;
+
+    QPointer<TerminalSession> m_session;
+    ElidedLabel* m_name;
+    StatusPill* m_state;
+    OrvoButton* m_menuButton;
+    QAction* m_stop = nullptr;
+    TerminalView* m_view;
+    /// The two that round the terminal's lower corners.
+    QWidget* m_leftCorner;
+    QWidget* m_rightCorner;
+    bool m_active = false;
+};
+
+}  // namespace orvo

@@ -1,0 +1,394 @@
+#include "terminal/ui/TerminalView.h"
+
+#include "appearance/Theme.h"
+#include "appearance/controls/painting.h"
+#include "appearance/controls/typography.h"
+#include "platform/observe.h"
+#include "terminal/TerminalSession.h"
+#include "terminal/core/DefaultColors.h"
+#include "terminal/ui/TerminalAccessible.h"
+#include "terminal/ui/keyPress.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTextLayout>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace orvo {
+namespace {
+
+constexpr int frameMilliseconds = 16;
+// Scrolling: three dip of wheel movement make a line, and a notch (120 of Qt's units) counts nine dip.
+constexpr double dipPerLine = 3;
+constexpr double dipPerNotch = 9;
+constexpr double notch = 120;
+
+constexpr double focusedCursorOpacity = 0.6;
+constexpr double cursorOpacity = 0.22;
+
+constexpr int minimumRows = 3;
+constexpr int minimumColumns = 10;
+
+}  // namespace
+
+TerminalView::TerminalView(Theme& theme, QWidget* parent) : QWidget(parent), m_theme(theme) {
+    installTerminalAccessibility();
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::IBeamCursor);
+
+    m_frame.setSingleShot(true);
+    m_frame.setTimerType(Qt::PreciseTimer);
+    connect(&m_frame, &QTimer::timeout, this, &TerminalView::showChanges);
+    m_sinceFrame.start();
+
+    observe(m_theme, {&Theme::fontSizeChanged}, this, [this] { applyFont(); });
+    observe(m_theme, {&Theme::backgroundHexChanged, &Theme::accentHexChanged}, this,
+            [this] { applyColors(); });
+}
+
+TerminalView::~TerminalView() = default;
+
+void TerminalView::setSession(TerminalSession* session) {
+    if (m_session == session) return;
+    if (m_session) disconnect(m_session, nullptr, this, nullptr);
+    m_session = session;
+    m_preedit.clear();
+    m_wheelRemainder = 0;
+    setScrollOffset(0);
+    if (session != nullptr) {
+        for (const auto change : {&TerminalSession::revisionChanged, &TerminalSession::runningChanged}) {
+            connect(session, change, this, &TerminalView::scheduleFrame);
+        }
+        connect(session, &QObject::destroyed, this, &TerminalView::repaintAll);
+    }
+    if (isVisible()) fitSession();
+    repaintAll();
+}
+
+TerminalSession* TerminalView::session() const {
+    return m_session;
+}
+
+const TerminalScreen* TerminalView::screen() const {
+    return m_session ? &m_session->screen() : nullptr;
+}
+
+void TerminalView::applyFont() {
+    m_glyphs = std::make_unique<GlyphCache>(m_theme.fontSize());
+    if (isVisible()) fitSession();
+    repaintAll();
+}
+
+void TerminalView::applyColors() {
+    m_defaults = {toQColor(defaultTextColor), toQColor(m_theme.bg())};
+    m_accent = toQColor(m_theme.accent());
+    repaintAll();
+}
+
+void TerminalView::fitSession() {
+    if (!m_session) return;
+    const CellGeometry& cells = m_glyphs->geometry();
+    const int rows = std::max(cells.rowsIn(height()), minimumRows);
+    const int columns = std::max(cells.columnsIn(width()), minimumColumns);
+    const TerminalScreen& screen = m_session->screen();
+    if (screen.rows() == rows && screen.columns() == columns) return;
+    m_session->resize(rows, columns);
+    repaintAll();
+}
+
+// --- What is visible, and what of it has changed
+
+void TerminalView::setScrollOffset(int lines) {
+    const TerminalScreen* shown = screen();
+    // Lines that went by while the view was live are not to be followed.
+    if (shown != nullptr && m_scrollOffset == 0) m_scrolledLines = shown->scrolledLines();
+    if (!assign(m_scrollOffset, std::clamp(lines, 0, shown != nullptr ? shown->scrollbackCount() : 0)))
+        return;
+    update(scrollbackLabelRect());
+    updateChanged();
+    Q_EMIT scrollOffsetChanged();
+}
+
+void TerminalView::follow(const TerminalScreen& screen) {
+    const std::uint64_t scrolled =
+        screen.scrolledLines() - std::exchange(m_scrolledLines, screen.scrolledLines());
+    if (m_scrollOffset == 0) return;
+    // Scrolled back, the view stays on the same text while lines go by below it.
+    const auto most = static_cast<std::uint64_t>(screen.scrollbackCount());
+    setScrollOffset(static_cast<int>(std::min(most, static_cast<std::uint64_t>(m_scrollOffset) + scrolled)));
+}
+
+const TerminalRow& TerminalView::visibleLine(const TerminalScreen& screen, int row) const {
+    const int history = screen.scrollbackCount();
+    // The program may have emptied the history since the offset was set.
+    const int index = history - std::min(m_scrollOffset, history) + row;
+    return index < history ? screen.scrollbackLine(index) : screen.line(index - history);
+}
+
+QRect TerminalView::cursorRect() const {
+    const TerminalScreen* shown = screen();
+    return shown != nullptr ? m_glyphs->geometry().around(shown->row(), shown->column()) : QRect();
+}
+
+std::optional<QRect> TerminalView::drawnCursor() const {
+    if (m_scrollOffset != 0 || !m_session || !m_session->running() || !screen()->cursorVisible()) return {};
+    return cursorRect();
+}
+
+void TerminalView::scheduleFrame() {
+    if (m_frame.isActive() || !isVisible()) return;
+    // The first change after a quiet time is shown at once, so that typing has no delay of its own.
+    m_frame.start(static_cast<int>(
+        std::clamp<qint64>(frameMilliseconds - m_sinceFrame.elapsed(), 0, frameMilliseconds)));
+}
+
+void TerminalView::showChanges() {
+    m_sinceFrame.start();
+    if (const TerminalScreen* shown = screen()) follow(*shown);
+    updateChanged();
+    TerminalAccessible::notifyChanged(*this);
+}
+
+void TerminalView::updateChanged() {
+    const TerminalScreen* shown = screen();
+    if (shown == nullptr) return;
+    m_shownStamps.resize(static_cast<std::size_t>(shown->rows()));
+    for (int row = 0; row < shown->rows(); ++row) {
+        const std::uint64_t stamp = visibleLine(*shown, row).stamp();
+        if (std::exchange(m_shownStamps[static_cast<std::size_t>(row)], stamp) == stamp) continue;
+        update(m_glyphs->geometry().line(row, width()));
+    }
+    const std::optional<QRect> cursor = drawnCursor();
+    const std::optional<QRect> before = std::exchange(m_shownCursor, cursor);
+    if (before == cursor) return;
+    if (before) update(*before);
+    if (cursor) update(*cursor);
+    if (hasFocus()) updateMicroFocus();
+}
+
+void TerminalView::repaintAll() {
+    m_shownStamps.clear();
+    m_shownCursor.reset();
+    update();
+    scheduleFrame();
+}
+
+// --- Painting
+
+void TerminalView::paintEvent(QPaintEvent* event) {
+    fitSession();
+    QPainter painter(this);
+    const QRegion damaged = event->region();
+    for (const QRect& rect : damaged)
+        painter.fillRect(rect, m_defaults.background);
+    const TerminalScreen* shown = screen();
+    if (shown == nullptr) return;
+
+    LinePainter lines(painter, *m_glyphs, m_defaults, shown->columns());
+    for (int row = 0; row < shown->rows(); ++row) {
+        if (damaged.intersects(m_glyphs->geometry().line(row, width())))
+            lines.paint(visibleLine(*shown, row), row);
+    }
+    painter.setClipping(false);
+    if (drawnCursor()) paintCursor(painter, lines);
+    if (!m_preedit.isEmpty()) paintPreedit(painter);
+    if (m_scrollOffset > 0) paintScrollbackLabel(painter);
+}
+
+void TerminalView::paintCursor(QPainter& painter, const LinePainter& lines) const {
+    QColor color = m_accent;
+    color.setAlphaF(static_cast<float>(hasFocus() ? focusedCursorOpacity : cursorOpacity));
+    painter.fillRect(lines.snappedCell(screen()->row(), screen()->column()), color);
+}
+
+void TerminalView::paintPreedit(QPainter& painter) const {
+    QFont font = m_glyphs->font(GlyphStyle::Regular);
+    font.setUnderline(true);
+    QTextLayout layout(m_preedit, font);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(1e6);
+    layout.endLayout();
+    const QRectF cell = cursorRect();
+    const double textWidth = line.naturalTextWidth();
+    // Moved left as far as needed to be seen whole.
+    const double left = std::max<double>(CellGeometry::marginX,
+                                         std::min(cell.x(), width() - CellGeometry::marginX - textWidth));
+    painter.fillRect(QRectF(left, cell.y(), textWidth, cell.height()), m_defaults.background);
+    painter.setPen(m_defaults.text);
+    layout.draw(&painter, QPointF(left, cell.y() + m_glyphs->baseline() - line.ascent()));
+}
+
+QRect TerminalView::scrollbackLabelRect() const {
+    return {12, height() - 20, width() - 24, 16};
+}
+
+void TerminalView::paintScrollbackLabel(QPainter& painter) const {
+    QFont font = fontOf(TypeRole::Caption);
+    font.setPixelSize(10);
+    const QString label = tr("Scrollback · %1 lines").arg(m_scrollOffset);
+    QRect area = scrollbackLabelRect();
+    area.setWidth(QFontMetrics(font).horizontalAdvance(label) + 4);
+    painter.fillRect(area, m_defaults.background);
+    painter.setFont(font);
+    painter.setPen(m_accent);
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, label);
+}
+
+void TerminalView::resizeEvent(QResizeEvent*) {
+    fitSession();
+}
+
+void TerminalView::showEvent(QShowEvent*) {
+    fitSession();
+    repaintAll();
+}
+
+void TerminalView::focusInEvent(QFocusEvent*) {
+    update();
+    Q_EMIT focusChanged();
+}
+
+void TerminalView::focusOutEvent(QFocusEvent*) {
+    update();
+    Q_EMIT focusChanged();
+}
+
+// --- Keys
+
+bool TerminalView::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::ShortcutOverride: {
+            // Claims the key, so that no shortcut of a menu or button takes it from the program.
+            auto* key = static_cast<QKeyEvent*>(event);
+            if (meaningOf(*key) == KeyMeaning::Other) break;
+            event->accept();
+            return true;
+        }
+        case QEvent::KeyPress: {
+            // Before QWidget sees it, which would move the focus on Tab.
+            auto* key = static_cast<QKeyEvent*>(event);
+            if (key->key() != Qt::Key_Tab && key->key() != Qt::Key_Backtab) break;
+            keyPressEvent(key);
+            return true;
+        }
+        default:
+            break;
+    }
+    return QWidget::event(event);
+}
+
+void TerminalView::keyPressEvent(QKeyEvent* event) {
+    event->accept();
+    switch (meaningOf(*event)) {
+        case KeyMeaning::Copy:
+            return copy();
+        case KeyMeaning::Paste:
+            return paste();
+        case KeyMeaning::MenuItem:
+            return triggerMenuItem(menuKeyOf(*event));
+        case KeyMeaning::NextWidget:
+            focusNextPrevChild(true);
+            return;
+        case KeyMeaning::PreviousWidget:
+            focusNextPrevChild(false);
+            return;
+        case KeyMeaning::Find:
+            return;
+        case KeyMeaning::Other:
+            event->ignore();
+            return;
+        case KeyMeaning::Program:
+            break;
+    }
+    if (!m_session) return;
+    const bool application = m_session->screen().applicationCursor();
+    send(bytesOf(*event, application ? CursorKeys::Application : CursorKeys::Normal));
+}
+
+void TerminalView::send(const QByteArray& bytes) {
+    if (!m_session || bytes.isEmpty()) return;
+    setScrollOffset(0);
+    m_session->sendBytes(bytes);
+}
+
+void TerminalView::triggerMenuItem(int key) {
+    const QKeySequence wanted{key};
+    for (QAction* action : window()->findChildren<QAction*>()) {
+        if (!action->isEnabled() || !action->shortcuts().contains(wanted)) continue;
+        action->trigger();
+        return;
+    }
+}
+
+void TerminalView::inputMethodEvent(QInputMethodEvent* event) {
+    if (!event->commitString().isEmpty()) send(event->commitString().toUtf8());
+    if (assign(m_preedit, event->preeditString())) update();
+    event->accept();
+}
+
+QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    switch (query) {
+        case Qt::ImCursorRectangle:
+            return cursorRect();
+        case Qt::ImFont:
+            return m_glyphs->font(GlyphStyle::Regular);
+        case Qt::ImHints:
+            return static_cast<int>(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+        default:
+            return QWidget::inputMethodQuery(query);
+    }
+}
+
+// --- Clipboard, wheel, menu
+
+void TerminalView::copy() {
+    const TerminalScreen* shown = screen();
+    QGuiApplication::clipboard()->setText(shown != nullptr ? QString::fromStdString(shown->plainText())
+                                                           : QString());
+}
+
+void TerminalView::paste() {
+    const QString text = QGuiApplication::clipboard()->text();
+    if (!m_session || text.isEmpty()) return;
+    const auto brackets = m_session->screen().bracketedPaste() ? PasteBrackets::On : PasteBrackets::Off;
+    m_session->sendBytes(QByteArray::fromStdString(encodePaste(text.toStdString(), brackets)));
+}
+
+void TerminalView::wheelEvent(QWheelEvent* event) {
+    const TerminalScreen* shown = screen();
+    if (shown == nullptr || shown->scrollbackCount() == 0) return event->ignore();
+    event->accept();
+    // Pixels are to be trusted only when they belong to a gesture: X11 also puts raw driver units there.
+    const bool gesture = event->phase() != Qt::NoScrollPhase && !event->pixelDelta().isNull();
+    const double moved = gesture ? event->pixelDelta().y() : event->angleDelta().y() * dipPerNotch / notch;
+    if (moved * m_wheelRemainder < 0) m_wheelRemainder = 0;
+    m_wheelRemainder += moved;
+    const int lines = static_cast<int>(m_wheelRemainder / dipPerLine);
+    m_wheelRemainder -= lines * dipPerLine;
+    setScrollOffset(m_scrollOffset + lines);
+}
+
+void TerminalView::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(tr("Copy terminal output"), this, &TerminalView::copy);
+    menu->addAction(tr("Paste"), this, &TerminalView::paste);
+    const bool byKeyboard = event->reason() == QContextMenuEvent::Keyboard;
+    menu->popup(byKeyboard ? mapToGlobal(cursorRect().bottomLeft()) : event->globalPos());
+}
+
+}  // namespace orvo

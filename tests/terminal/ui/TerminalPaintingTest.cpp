@@ -1,0 +1,295 @@
+#include "terminal/ui/RunningTerminal.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QPaintEvent>
+
+#include <cmath>
+
+namespace orvo {
+namespace {
+
+using test::echoing;
+using test::RunningTerminal;
+using test::waitFor;
+
+constexpr QRgb background = 0xFF141413;
+constexpr QRgb defaultText = 0xFFD0DEEB;
+constexpr QRgb accent = 0xFF00D9FF;
+
+QImage imageOf(TerminalView& view) {
+    return view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+/// The picture of one cell, without the pixels it may share with its neighbours.
+QImage cellOf(TerminalView& view, const QImage& image, int row, int column) {
+    return image.copy(view.geometryOfCells().cell(row, column).toRect());
+}
+
+QRgb mixed(QRgb over, QRgb under, double share) {
+    const auto channel = [share](int a, int b) {
+        return int(std::lround(a * share + b * (1 - share)));
+    };
+    return qRgb(channel(qRed(over), qRed(under)), channel(qGreen(over), qGreen(under)),
+                channel(qBlue(over), qBlue(under)));
+}
+
+bool isNear(QRgb a, QRgb b) {
+    return std::abs(qRed(a) - qRed(b)) <= 2 && std::abs(qGreen(a) - qGreen(b)) <= 2 &&
+           std::abs(qBlue(a) - qBlue(b)) <= 2;
+}
+
+/// Remembers what was repainted.
+class PaintWatcher : public QObject {
+public:
+    explicit PaintWatcher(QWidget& widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            painted += static_cast<QPaintEvent*>(event)->region();
+            ++paints;
+        }
+        return false;
+    }
+    QRegion painted;
+    int paints = 0;
+};
+
+TEST(TerminalPainting, TheSessionGetsTheSizeThatFits) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    const CellGeometry& cells = terminal.view.geometryOfCells();
+    EXPECT_EQ(cells.lineHeight, 18);
+    EXPECT_EQ(terminal.session.screen().rows(), 21);
+    EXPECT_EQ(terminal.session.screen().columns(), int(800 / cells.cellWidth));
+
+    terminal.view.resize(60, 30);
+    imageOf(terminal.view);
+    EXPECT_EQ(terminal.session.screen().rows(), 3);
+    EXPECT_EQ(terminal.session.screen().columns(), 10);
+
+    terminal.view.resize(820, 400);
+    terminal.theme.setFontSize(15);
+    imageOf(terminal.view);
+    EXPECT_EQ(terminal.view.geometryOfCells().lineHeight, 23);
+    EXPECT_EQ(terminal.session.screen().rows(), (400 - 16) / 23);
+}
+
+TEST(TerminalPainting, CellsFillTheirRectangleWithTheirColours) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    // Row 0: inverse without colours, then a red and a green background, then inverse of a background.
+    terminal.session.screen().feed("\x1b[7m  \x1b[0m\x1b[48;2;200;0;0m  \x1b[48;2;0;200;0m  \x1b[7m  ");
+    const QImage image = imageOf(terminal.view);
+    const auto at = [&](int column) {
+        return image.pixel(terminal.view.geometryOfCells().cell(0, column).center().toPoint());
+    };
+    EXPECT_EQ(at(0), defaultText);
+    EXPECT_EQ(at(2), qRgb(200, 0, 0));
+    EXPECT_EQ(at(4), qRgb(0, 200, 0));
+    EXPECT_EQ(at(6), defaultText);
+    EXPECT_EQ(at(8), background);
+
+    // No column of pixels between cells shows anything but one of their colours.
+    const int y = CellGeometry::marginY + 9;
+    const int end = int(terminal.view.geometryOfCells().columnX(8));
+    for (int x = CellGeometry::marginX; x < end; ++x) {
+        const QRgb pixel = image.pixel(x, y);
+        EXPECT_TRUE(pixel == defaultText || pixel == qRgb(200, 0, 0) || pixel == qRgb(0, 200, 0))
+            << "at " << x;
+    }
+}
+
+TEST(TerminalPainting, InverseTextIsDrawnInTheBackgroundColour) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    // A full block shows the text colour all over its cell.
+    terminal.session.screen().feed("\x1b[7m█\x1b[0m█\x1b[48;2;9;9;9;7m█");
+    const QImage image = imageOf(terminal.view);
+    const auto at = [&](int column) {
+        return image.pixel(terminal.view.geometryOfCells().cell(0, column).center().toPoint());
+    };
+    EXPECT_EQ(at(0), background);
+    EXPECT_EQ(at(1), defaultText);
+    EXPECT_EQ(at(2), qRgb(9, 9, 9));
+}
+
+TEST(TerminalPainting, LigaturesNeverForm) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    terminal.session.screen().feed("=>\r\n= \r\n >\r\n!=\r\n! \r\n =");
+    const QImage image = imageOf(terminal.view);
+    for (const int row : {0, 3}) {
+        EXPECT_EQ(cellOf(terminal.view, image, row, 0).convertToFormat(QImage::Format_Mono),
+                  cellOf(terminal.view, image, row + 1, 0).convertToFormat(QImage::Format_Mono));
+        EXPECT_EQ(cellOf(terminal.view, image, row, 1).convertToFormat(QImage::Format_Mono),
+                  cellOf(terminal.view, image, row + 2, 1).convertToFormat(QImage::Format_Mono));
+    }
+}
+
+TEST(TerminalPainting, BoxLinesJoinWithoutGaps) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    terminal.session.screen().feed("┌────────────┐\r\n│            │\r\n╞════════════╡\r\n╰────────────╯");
+    const QImage image = imageOf(terminal.view);
+    const CellGeometry& cells = terminal.view.geometryOfCells();
+    const auto runs = [&](QPoint from, QPoint step, int length) {
+        for (int i = 0; i < length; ++i) {
+            if (image.pixel(from + i * step) != defaultText) return i;
+        }
+        return length;
+    };
+    const QPoint corner = cells.cell(0, 0).center().toPoint();
+    // The lines lie within a pixel of the cells' middle.
+    int across = 0, down = 0;
+    for (int shift = -1; shift <= 1; ++shift) {
+        across = std::max(across, runs(corner + QPoint(2, shift), {1, 0}, int(12 * cells.cellWidth)));
+        down = std::max(down, runs(corner + QPoint(shift, 2), {0, 1}, 2 * cells.lineHeight));
+    }
+    EXPECT_EQ(across, int(12 * cells.cellWidth));
+    EXPECT_EQ(down, 2 * cells.lineHeight);
+}
+
+TEST(TerminalPainting, WideCharactersStayInTheirTwoCells) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    terminal.session.screen().feed(" 世😀 ");
+    const QImage image = imageOf(terminal.view);
+    const CellGeometry& cells = terminal.view.geometryOfCells();
+    bool coloured = false;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            if (pixel == background) continue;
+            EXPECT_TRUE(cells.around(0, 1, 4).contains(x, y)) << x << ", " << y;
+            coloured |= std::abs(qRed(pixel) - qBlue(pixel)) > 100;
+        }
+    }
+    EXPECT_TRUE(coloured) << "emoji have colours of their own";
+}
+
+TEST(TerminalPainting, TheCursorIsOnlyOnALiveScreenThatShowsIt) {
+    RunningTerminal terminal(echoing("\\r\\n"));
+    // The corner of a cell, where no letter reaches.
+    const auto cursorPixel = [&] {
+        return imageOf(terminal.view).pixel(terminal.view.cursorRect().topLeft() + QPoint(1, 1));
+    };
+    EXPECT_EQ(cursorPixel(), background) << "not started";
+    ASSERT_TRUE(terminal.start());
+    ASSERT_TRUE(waitFor([&] { return terminal.view.hasFocus(); }));
+    EXPECT_TRUE(isNear(cursorPixel(), mixed(accent, background, 0.6)));
+    terminal.view.clearFocus();
+    EXPECT_TRUE(isNear(cursorPixel(), mixed(accent, background, 0.22)));
+
+    terminal.session.screen().feed("\x1b[?25l");
+    EXPECT_EQ(cursorPixel(), background) << "hidden by the program";
+    terminal.session.screen().feed("\x1b[?25h");
+    terminal.fillHistory(5);
+    terminal.view.setScrollOffset(1);
+    EXPECT_EQ(cursorPixel(), background) << "scrolled back";
+    terminal.view.setScrollOffset(0);
+    EXPECT_NE(cursorPixel(), background);
+    terminal.session.stop();
+    ASSERT_TRUE(waitFor([&] { return !terminal.session.running(); }));
+    EXPECT_EQ(cursorPixel(), background) << "ended";
+}
+
+TEST(TerminalPainting, ScrolledBackTheViewShowsHistoryAndItsLabel) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    terminal.session.screen().feed("\x1b[48;2;200;0;0m          \x1b[0m");
+    terminal.fillHistory(30);
+    const auto topPixel = [&] {
+        return imageOf(terminal.view).pixel(30, CellGeometry::marginY + 9);
+    };
+    EXPECT_NE(topPixel(), qRgb(200, 0, 0));
+    terminal.view.setScrollOffset(1000);
+    EXPECT_EQ(terminal.view.scrollOffset(), 30);
+    EXPECT_EQ(topPixel(), qRgb(200, 0, 0))
+        << "the oldest line is on top when the offset is the history's length";
+
+    const auto labelInk = [&] {
+        const QImage image = imageOf(terminal.view);
+        int ink = 0;
+        for (int y = 380; y < 396; ++y) {
+            for (int x = 12; x < 140; ++x)
+                ink += qBlue(image.pixel(x, y)) - qRed(image.pixel(x, y)) > 100 ? 1 : 0;
+        }
+        return ink;
+    };
+    EXPECT_GT(labelInk(), 20);
+    terminal.view.setScrollOffset(0);
+    EXPECT_EQ(labelInk(), 0);
+}
+
+TEST(TerminalPainting, ScrolledBackTheViewStaysOnItsTextWhileOutputArrives) {
+    RunningTerminal terminal(
+        "stty raw -echo; for i in $(seq 60); do printf \"$i\\r\\n\"; done; printf 'ready>'; cat");
+    ASSERT_TRUE(terminal.start());
+    terminal.view.setScrollOffset(10);
+    const int history = terminal.session.screen().scrollbackCount();
+    terminal.session.send(QStringLiteral("a\r\nb\r\nc\r\ndone"));
+    ASSERT_TRUE(terminal.shows("done"));
+    const int arrived = terminal.session.screen().scrollbackCount() - history;
+    EXPECT_EQ(arrived, 3);
+    EXPECT_TRUE(waitFor([&] { return terminal.view.scrollOffset() == 10 + arrived; }));
+}
+
+TEST(TerminalPainting, OnlyLinesThatChangedAreRepainted) {
+    RunningTerminal terminal("stty raw -echo; printf '\\033[5;1Hready>'; exec cat");
+    ASSERT_TRUE(terminal.start());
+    const auto lineRect = [&](int row) {
+        return terminal.view.geometryOfCells().line(row, terminal.view.width());
+    };
+    PaintWatcher watcher(terminal.view);
+    // Everything that starting has asked for is painted before a character of our own is.
+    terminal.session.send(QStringLiteral("."));
+    ASSERT_TRUE(waitFor([&] { return watcher.painted.intersects(lineRect(4)); }));
+    QCoreApplication::processEvents();
+
+    watcher.painted = {};
+    terminal.session.send(QStringLiteral("x"));
+    ASSERT_TRUE(waitFor([&] { return !watcher.painted.isEmpty(); }));
+    EXPECT_TRUE(lineRect(4).contains(watcher.painted.boundingRect()));
+
+    watcher.painted = {};
+    terminal.session.send(QStringLiteral("\x1b[9;1Hy"));
+    ASSERT_TRUE(waitFor([&] { return watcher.painted.intersects(lineRect(8)); }));
+    EXPECT_TRUE((watcher.painted - lineRect(4) - lineRect(8)).isEmpty());
+}
+
+TEST(TerminalPainting, OutputThatChangesNothingIsNotPainted) {
+    RunningTerminal terminal("stty raw -echo; printf 'ready>'; exec cat");
+    ASSERT_TRUE(terminal.start());
+    PaintWatcher watcher(terminal.view);
+    terminal.session.send(QStringLiteral("."));
+    ASSERT_TRUE(waitFor([&] { return watcher.paints > 0; }));
+    watcher.paints = 0;
+    for (int i = 0; i < 3; ++i) {
+        const int revision = terminal.session.revision();
+        terminal.session.send(QStringLiteral("\x1b[0m"));
+        ASSERT_TRUE(waitFor([&] { return terminal.session.revision() > revision; }));
+        // The frame that follows would be the one to paint.
+        QElapsedTimer frame;
+        frame.start();
+        ASSERT_TRUE(waitFor([&] { return frame.hasExpired(40); }));
+    }
+    EXPECT_EQ(watcher.paints, 0);
+}
+
+TEST(TerminalPainting, AFloodIsPaintedOnceAFrame) {
+    RunningTerminal terminal(
+        "stty raw -echo; printf 'ready>'; read -k; for i in {1..20000}; do echo $i; done; printf 'done'; "
+        "cat");
+    ASSERT_TRUE(terminal.start());
+    PaintWatcher watcher(terminal.view);
+    const int revision = terminal.session.revision();
+    QElapsedTimer time;
+    time.start();
+    terminal.session.send(QStringLiteral("g"));
+    ASSERT_TRUE(terminal.shows("done"));
+    EXPECT_GT(terminal.session.revision() - revision, 20) << "the flood came in many batches";
+    EXPECT_LE(watcher.paints, time.elapsed() / 16 + 2);
+}
+
+}  // namespace
+}  // namespace orvo
