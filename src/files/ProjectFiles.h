@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/FilePath.h"
+#include "platform/Result.h"
 
 #include <QList>
 #include <QObject>
@@ -16,6 +17,7 @@ class Dialogs;
 /// One listed item of a folder.
 struct FileEntry {
     FilePath url;
+    /// A link counts as what it points to.
     bool isDirectory = false;
 
     bool operator==(const FileEntry&) const = default;
@@ -26,27 +28,36 @@ class ProjectFiles : public QObject {
     Q_OBJECT
 
 public:
+    /// Files of this many bytes are not opened.
+    static constexpr qint64 tooLargeToOpen = 2'000'000;
+
     /// `dialogs` outlives this object. `notify` shows a sentence to the person.
     ProjectFiles(Dialogs& dialogs, std::function<void(const QString&)> notify, QObject* parent = nullptr);
 
-    const QList<FileEntry>& files() const;
-    const std::optional<FilePath>& browsingFolder() const;
-    const std::optional<FilePath>& selectedFile() const;
-    const QString& editorText() const;
-    const QString& savedText() const;
+    const QList<FileEntry>& files() const { return m_files; }
+    const std::optional<FilePath>& browsingFolder() const { return m_browsingFolder; }
+    const std::optional<FilePath>& selectedFile() const { return m_selectedFile; }
+    const QString& editorText() const { return m_editorText; }
+    const QString& savedText() const { return m_savedText; }
     /// File filter of the Files page.
-    const QString& search() const;
+    const QString& search() const { return m_search; }
     void setEditorText(const QString& text);
     void setSearch(const QString& search);
 
     /// Another project: the editor is emptied and its folder browsed. The list is not read yet.
     void setProject(const std::optional<FilePath>& folder);
-    /// Lists `folder`, else the folder browsed, else the project.
+    /// Lists `folder`, else the folder browsed, else the project. Folders first, then as a person would sort
+    /// ("file2" before "file10"); hidden files are left out. A folder that cannot be listed leaves the list.
     void refreshFiles(const std::optional<FilePath>& folder = std::nullopt);
-    bool fileIsDirty() const;
+    /// Goes into a folder, or puts a text file into the editor after asking about unsaved changes.
+    void openFile(const FileEntry& entry);
+    /// Asks for a place and puts a new empty file there into the editor.
+    void newFile();
+    bool fileIsDirty() const { return m_editorText != m_savedText; }
     /// Asks about unsaved changes; true when the caller may go on.
     bool confirmDiscard();
-    /// Writes the buffer to its file with all guards; true when written.
+    /// Writes the buffer to its file, unless the file is gone, or changed and the person wants those changes;
+    /// true when written. A link stays a link, and the file keeps its permissions.
     bool saveFile();
 
 Q_SIGNALS:
@@ -56,6 +67,21 @@ Q_SIGNALS:
     void editorTextChanged();
     void savedTextChanged();
     void searchChanged();
+
+private:
+    void edit(const std::optional<FilePath>& file, const QString& text);
+    void setBrowsingFolder(const std::optional<FilePath>& folder);
+    bool mayOverwrite(const FilePath& file);
+
+    Dialogs& m_dialogs;
+    std::function<void(const QString&)> m_notify;
+    std::optional<FilePath> m_project;
+    QList<FileEntry> m_files;
+    std::optional<FilePath> m_browsingFolder;
+    std::optional<FilePath> m_selectedFile;
+    QString m_editorText;
+    QString m_savedText;
+    QString m_search;
 };
 
 }  // namespace orvo
