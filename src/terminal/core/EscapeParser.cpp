@@ -2,18 +2,8 @@
 
 #include <algorithm>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-
-#include <bit>
-#endif
-
 namespace orvo {
 namespace {
-
-constexpr bool isPrintable(char byte) {
-    return byte >= 0x20 && byte != 0x7F && Utf8Decoder::isAscii(byte);
-}
 
 constexpr bool isIntermediate(char byte) {
     return byte >= 0x20 && byte <= 0x2F;
@@ -38,26 +28,6 @@ std::string_view withoutMarkers(std::string_view text) {
 }
 
 }  // namespace
-
-std::size_t printableRun(const char* position, const char* end) {
-    const char* const start = position;
-#ifdef __SSE2__
-    const __m128i lastControl = _mm_set1_epi8(0x1F);
-    const __m128i deleteByte = _mm_set1_epi8(0x7F);
-    for (; end - position >= 16; position += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(position));
-        // The comparison is signed, so bytes of 0x80 and above are "controls" too.
-        const __m128i printable =
-            _mm_andnot_si128(_mm_cmpeq_epi8(bytes, deleteByte), _mm_cmpgt_epi8(bytes, lastControl));
-        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(printable));
-        if (mask != 0xFFFF) return static_cast<std::size_t>(position - start + std::countr_one(mask));
-    }
-#endif
-    while (position < end && isPrintable(*position)) {
-        ++position;
-    }
-    return static_cast<std::size_t>(position - start);
-}
 
 const char* EscapeParser::skipString(const char* position, const char* end) {
     const char* const stop =

@@ -2,6 +2,7 @@
 
 #include "terminal/core/ControlSequence.h"
 #include "terminal/core/Utf8Decoder.h"
+#include "terminal/core/asciiScan.h"
 
 #include <array>
 #include <cstdint>
@@ -80,9 +81,6 @@ private:
     std::vector<int> m_parameters;
 };
 
-/// The length of the run of printable ASCII at the start of the bytes.
-std::size_t printableRun(const char* position, const char* end);
-
 template <class Sink>
 void EscapeParser::step(char32_t scalar, Sink& sink) {
     switch (m_state) {
@@ -152,13 +150,12 @@ void EscapeParser::stepSequence(char32_t scalar, Sink& sink) {
 template <class Sink>
 const char* EscapeParser::ground(const char* position, const char* end, Utf8Decoder& decoder, Sink& sink) {
     while (position < end) {
-        if (const std::size_t run = printableRun(position, end)) {
+        const char byte = *position;
+        if (isPrintableAscii(byte)) {
+            const std::size_t run = printableRun(position, end);
             sink.printAscii({position, run});
             position += run;
-            if (position == end) break;
-        }
-        const char byte = *position;
-        if (!Utf8Decoder::isAscii(byte)) {
+        } else if (!Utf8Decoder::isAscii(byte)) {
             position = decoder.decode(position, end, [&sink](char32_t scalar) { sink.print(scalar); });
         } else if (byte != escape) {
             sink.control(byte);
@@ -180,26 +177,26 @@ const char* EscapeParser::quickSequence(const char* position, const char* end, S
     ControlSequence sequence;
     if (*position == '?') sequence.marker = *position++;
     std::size_t count = 0;
-    int value = 0;
-    for (const char* const start = position; position < end; ++position) {
-        const char byte = *position;
-        if (byte >= '0' && byte <= '9') {
-            value = value * 10 + (byte - '0');
-            if (value > greatestParameter) value = greatestParameter;
+    unsigned value = 0;
+    for (const char* field = position; position < end;) {
+        const char byte = *position++;
+        if (const unsigned digit = static_cast<unsigned char>(byte) - unsigned{'0'}; digit <= 9) {
+            value = value * 10 + digit;
             continue;
         }
-        if (count == quickParameters || position - start > static_cast<std::ptrdiff_t>(longestSequence / 2))
-            break;
+        // Up to six digits cannot pass the greatest parameter. The terminator is counted in.
+        if (position - field > 7 || count == quickParameters) break;
+        m_quick[count++] = static_cast<int>(value);
         if (byte == ';') {
-            m_quick[count++] = std::exchange(value, 0);
+            value = 0;
+            field = position;
             continue;
         }
-        if (!Utf8Decoder::isAscii(byte) || !isFinal(static_cast<unsigned char>(byte))) break;
-        m_quick[count++] = value;
+        if (!isFinal(static_cast<unsigned char>(byte))) break;
         sequence.final = byte;
         sequence.parameters = std::span(m_quick.data(), count);
         sink.controlSequence(sequence);
-        return position + 1;
+        return position;
     }
     return nullptr;
 }

@@ -5,15 +5,10 @@
 
 namespace orvo {
 
-TerminalRow* RowStore::take(int width, std::uint64_t stamp) {
-    TerminalRow* row = nullptr;
-    if (m_free.empty()) {
-        row = &m_rows.emplace_back();
-    } else {
-        row = m_free.back();
-        m_free.pop_back();
-    }
-    row->clear(width, stamp);
+TerminalRow* RowStore::take() {
+    if (m_free.empty()) return &m_rows.emplace_back();
+    TerminalRow* const row = m_free.back();
+    m_free.pop_back();
     return row;
 }
 

@@ -12,9 +12,12 @@ namespace orvo {
 /// of cells, and rows that are given back are used again.
 class RowStore {
 public:
-    /// A blank row.
-    TerminalRow* take(int width, std::uint64_t stamp);
-    void giveBack(TerminalRow* row) { m_free.push_back(row); }
+    /// A row with anything in it, for the caller to clear.
+    TerminalRow* take();
+    /// Null is allowed, and nothing.
+    void giveBack(TerminalRow* row) {
+        if (row != nullptr) m_free.push_back(row);
+    }
 
 private:
     std::deque<TerminalRow> m_rows;

@@ -32,6 +32,9 @@ public:
     static constexpr std::size_t longestCluster = 32;
 
     int width() const { return m_width; }
+    bool continuation(int column) const {
+        return column < m_filled && m_cells[static_cast<std::size_t>(column)].continuation();
+    }
     /// Makes the row `width` blank cells.
     void clear(int width, std::uint64_t stamp);
     /// Cuts the row, or lengthens it with blank cells.

@@ -84,7 +84,7 @@ void TerminalScreen::joinPrevious(char32_t mark) {
     int column = m_pendingWrap ? m_cursor.column : m_cursor.column - 1;
     if (column < 0) return;
     TerminalRow& line = cursorLine();
-    if (column > 0 && line.cells()[static_cast<std::size_t>(column)].continuation()) --column;
+    if (column > 0 && line.continuation(column)) --column;
     line.join(column, mark, nextStamp());
 }
 
@@ -115,15 +115,16 @@ void TerminalScreen::scrollUp() {
         return;
     }
     m_grid.rotateUp(0, m_scrollBottom);
-    TerminalRow*& freed = m_grid.line(m_scrollBottom);
-    pushScrollback(freed);
-    freed = m_store.take(m_columns, nextStamp());
+    TerminalRow*& line = m_grid.line(m_scrollBottom);
+    line = pushScrollback(line);
+    if (line == nullptr) line = m_store.take();
+    line->clear(m_columns, nextStamp());
 }
 
-void TerminalScreen::pushScrollback(TerminalRow* row) {
+TerminalRow* TerminalScreen::pushScrollback(TerminalRow* row) {
     row->cutTrailingBlanks();
     ++m_scrolledLines;
-    if (TerminalRow* const dropped = m_scrollback.push(row)) m_store.giveBack(dropped);
+    return m_scrollback.push(row);
 }
 
 void TerminalScreen::scrollDown(int top) {
@@ -142,12 +143,6 @@ void TerminalScreen::reverseLineFeed() {
     } else {
         m_cursor.row = std::max(m_cursor.row - 1, 0);
     }
-}
-
-void TerminalScreen::clamp() {
-    m_cursor.row = std::clamp(m_cursor.row, 0, m_rows - 1);
-    m_cursor.column = std::clamp(m_cursor.column, 0, m_columns - 1);
-    m_pendingWrap = false;
 }
 
 void TerminalScreen::control(char character) {

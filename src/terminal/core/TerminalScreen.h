@@ -100,24 +100,29 @@ private:
     void scrollDown(int top);
     void reverseLineFeed();
     void removeLine(int row);
-    void pushScrollback(TerminalRow* row);
+    /// The line that the scrollback gave up for it, or null.
+    TerminalRow* pushScrollback(TerminalRow* row);
 
     // Control sequences.
-    bool moveCursor(const ControlSequence& sequence);
-    void edit(const ControlSequence& sequence);
+    void plainSequence(const ControlSequence& sequence);
+    void markedSequence(const ControlSequence& sequence);
+    void scrollSequence(char final, int count);
+    /// The nearest place on the screen; clears `pendingWrap`.
+    void moveTo(int row, int column);
     void eraseInDisplay(int extent);
     void eraseInLine(int extent);
     void eraseLines(int first, int end);
     void setRegion(const ControlSequence& sequence);
     void changeModes(const ControlSequence& sequence, ModeChange change);
     void report(const ControlSequence& sequence);
+    void reportAttributes() const;
     void respond(std::string_view reply) const;
     void enterAlternate();
     void leaveAlternate();
     void fullReset();
 
-    void clamp();
     void useWholeRegion();
+    TerminalRow* blankLine(int columns);
     void fillGrid(LineGrid& grid);
     void releaseGrid(LineGrid& grid);
     void reshape(LineGrid& grid, Cursor& cursor, KeepHistory history, int rows, int columns);

@@ -12,8 +12,7 @@ void TerminalScreen::escape(char32_t scalar) {
             m_savedCursor = m_cursor;
             break;
         case U'8':
-            m_cursor = m_savedCursor;
-            clamp();
+            moveTo(m_savedCursor.row, m_savedCursor.column);
             break;
         case U'D':
             m_pendingWrap = false;
@@ -35,94 +34,118 @@ void TerminalScreen::escape(char32_t scalar) {
 }
 
 void TerminalScreen::controlSequence(const ControlSequence& sequence) {
-    if (!sequence.intermediates.empty()) return;
-    const bool isPrivate = sequence.marker == '?';
+    if (sequence.plain()) {
+        plainSequence(sequence);
+    } else if (sequence.intermediates.empty()) {
+        markedSequence(sequence);
+    }
+}
+
+/// Sequences with a marker act only where they are named.
+void TerminalScreen::markedSequence(const ControlSequence& sequence) {
+    if (sequence.final == 'c') reportAttributes();
+    if (sequence.marker != '?') return;
     switch (sequence.final) {
-        case 'c':
-            respond("\x1B[?1;2c");
-            break;
         case 'h':
-            if (isPrivate) changeModes(sequence, ModeChange::Set);
+            changeModes(sequence, ModeChange::Set);
             break;
         case 'l':
-            if (isPrivate) changeModes(sequence, ModeChange::Reset);
+            changeModes(sequence, ModeChange::Reset);
             break;
         case 'J':
-            if (isPrivate || sequence.plain()) eraseInDisplay(sequence.parameter(0));
+            eraseInDisplay(sequence.parameter(0));
             break;
         case 'K':
-            if (isPrivate || sequence.plain()) eraseInLine(sequence.parameter(0));
-            break;
-        case 'm':
-            if (sequence.plain()) applyGraphicRendition(m_style, sequence.parameters);
+            eraseInLine(sequence.parameter(0));
             break;
         default:
-            if (!sequence.plain()) break;
-            if (moveCursor(sequence)) {
-                clamp();
-            } else {
-                edit(sequence);
-            }
+            break;
     }
 }
 
-/// False when the sequence is no cursor movement.
-bool TerminalScreen::moveCursor(const ControlSequence& sequence) {
+void TerminalScreen::plainSequence(const ControlSequence& sequence) {
     const int count = sequence.count();
+    const auto [row, column] = m_cursor;
     switch (sequence.final) {
+        case 'm':
+            applyGraphicRendition(m_style, sequence.parameters);
+            break;
         case 'A':
-            m_cursor.row -= count;
-            return true;
+            moveTo(row - count, column);
+            break;
         case 'B':
         case 'e':
-            m_cursor.row += count;
-            return true;
+            moveTo(row + count, column);
+            break;
         case 'C':
         case 'a':
-            m_cursor.column += count;
-            return true;
+            moveTo(row, column + count);
+            break;
         case 'D':
-            m_cursor.column -= count;
-            return true;
+            moveTo(row, column - count);
+            break;
         case 'E':
-            m_cursor = {m_cursor.row + count, 0};
-            return true;
+            moveTo(row + count, 0);
+            break;
         case 'F':
-            m_cursor = {m_cursor.row - count, 0};
-            return true;
+            moveTo(row - count, 0);
+            break;
         case 'G':
         case '`':
-            m_cursor.column = count - 1;
-            return true;
+            moveTo(row, count - 1);
+            break;
         case 'd':
-            m_cursor.row = count - 1;
-            return true;
+            moveTo(count - 1, column);
+            break;
         case 'H':
         case 'f':
-            m_cursor = {count - 1, std::max(sequence.parameter(1), 1) - 1};
-            return true;
+            moveTo(count - 1, std::max(sequence.parameter(1), 1) - 1);
+            break;
         case 'u':
-            m_cursor = m_savedCursor;
-            return true;
+            moveTo(m_savedCursor.row, m_savedCursor.column);
+            break;
+        case 's':
+            m_savedCursor = m_cursor;
+            break;
+        case 'J':
+            eraseInDisplay(sequence.parameter(0));
+            break;
+        case 'K':
+            eraseInLine(sequence.parameter(0));
+            break;
+        case 'X':
+            cursorLine().erase(column, column + count, blank(), nextStamp());
+            break;
+        case 'P':
+            cursorLine().removeCells(column, count, blank(), nextStamp());
+            break;
+        case '@':
+            cursorLine().insertCells(column, count, blank(), nextStamp());
+            break;
+        case 'r':
+            setRegion(sequence);
+            break;
+        case 'n':
+            report(sequence);
+            break;
+        case 'c':
+            reportAttributes();
+            break;
         default:
-            return false;
+            scrollSequence(sequence.final, count);
     }
 }
 
-void TerminalScreen::edit(const ControlSequence& sequence) {
-    const int count = sequence.count();
+void TerminalScreen::moveTo(int row, int column) {
+    m_cursor.row = std::clamp(row, 0, m_rows - 1);
+    m_cursor.column = std::clamp(column, 0, m_columns - 1);
+    m_pendingWrap = false;
+}
+
+void TerminalScreen::scrollSequence(char final, int count) {
     const bool inRegion = m_cursor.row >= m_scrollTop && m_cursor.row <= m_scrollBottom;
     const int linesBelow = inRegion ? std::min(count, m_scrollBottom - m_cursor.row + 1) : 0;
-    switch (sequence.final) {
-        case 'X':
-            cursorLine().erase(m_cursor.column, m_cursor.column + count, blank(), nextStamp());
-            break;
-        case 'P':
-            cursorLine().removeCells(m_cursor.column, count, blank(), nextStamp());
-            break;
-        case '@':
-            cursorLine().insertCells(m_cursor.column, count, blank(), nextStamp());
-            break;
+    switch (final) {
         case 'L':
             for (int line = 0; line < linesBelow; ++line) {
                 scrollDown(m_cursor.row);
@@ -142,15 +165,6 @@ void TerminalScreen::edit(const ControlSequence& sequence) {
             for (int line = 0; line < std::min(count, m_rows); ++line) {
                 scrollDown(m_scrollTop);
             }
-            break;
-        case 's':
-            m_savedCursor = m_cursor;
-            break;
-        case 'r':
-            setRegion(sequence);
-            break;
-        case 'n':
-            report(sequence);
             break;
         default:
             break;
@@ -243,10 +257,10 @@ void TerminalScreen::leaveAlternate() {
     if (!m_savedMain) return;
     releaseGrid(m_grid);
     m_grid = std::move(m_savedMain->grid);
-    m_cursor = m_savedMain->cursor;
+    const Cursor cursor = m_savedMain->cursor;
     m_savedMain.reset();
     useWholeRegion();
-    clamp();
+    moveTo(cursor.row, cursor.column);
 }
 
 void TerminalScreen::fullReset() {
@@ -264,6 +278,10 @@ void TerminalScreen::report(const ControlSequence& sequence) {
     if (sequence.parameter(0) == 6) {
         respond("\x1B[" + std::to_string(m_cursor.row + 1) + ";" + std::to_string(m_cursor.column + 1) + "R");
     }
+}
+
+void TerminalScreen::reportAttributes() const {
+    respond("\x1B[?1;2c");
 }
 
 void TerminalScreen::respond(std::string_view reply) const {

@@ -20,9 +20,15 @@ void require(bool condition, const char* rule) {
 
 }  // namespace
 
+TerminalRow* TerminalScreen::blankLine(int columns) {
+    TerminalRow* const row = m_store.take();
+    row->clear(columns, nextStamp());
+    return row;
+}
+
 void TerminalScreen::fillGrid(LineGrid& grid) {
     while (grid.size() < m_rows) {
-        grid.handles().push_back(m_store.take(m_columns, nextStamp()));
+        grid.handles().push_back(blankLine(m_columns));
     }
 }
 
@@ -63,7 +69,7 @@ void TerminalScreen::reshape(LineGrid& grid, Cursor& cursor, KeepHistory history
     std::vector<TerminalRow*>& lines = grid.handles();
     const int excess = std::max(cursor.row - rows + 1, 0);
     for (TerminalRow* const row : std::span(lines.data(), static_cast<std::size_t>(excess))) {
-        history == KeepHistory::Yes ? pushScrollback(row) : m_store.giveBack(row);
+        m_store.giveBack(history == KeepHistory::Yes ? pushScrollback(row) : row);
     }
     lines.erase(lines.begin(), lines.begin() + excess);
     while (std::cmp_greater(lines.size(), rows)) {
@@ -74,7 +80,7 @@ void TerminalScreen::reshape(LineGrid& grid, Cursor& cursor, KeepHistory history
         row->setWidth(columns, nextStamp());
     }
     while (std::cmp_less(lines.size(), rows)) {
-        lines.push_back(m_store.take(columns, nextStamp()));
+        lines.push_back(blankLine(columns));
     }
     cursor = {cursor.row - excess, std::min(cursor.column, columns - 1)};
 }

@@ -76,7 +76,7 @@ Utf8Decoder::Subpart Utf8Decoder::maximalSubpart(const char* bytes, int count) {
     const int needed = lengthFor(bytes[0]);
     if (count < 2 || at(1) < lowest || at(1) > highest) return {replacement, 1};
     const int length = std::min(needed, count);
-    const char32_t scalar = wellFormed(bytes, length, needed);
+    const char32_t scalar = length == needed ? wellFormed(bytes, length) : 0;
     return {scalar != 0 ? scalar : replacement, length};
 }
 

@@ -33,6 +33,12 @@ public:
     template <class Emit>
     const char* decode(const char* position, const char* end, Emit&& emit) {
         const int needed = lengthFor(*position);
+        if (end - position >= needed) {
+            if (const char32_t scalar = wellFormed(position, needed)) {
+                emit(scalar);
+                return position + needed;
+            }
+        }
         int count = 1;
         while (count < needed && position + count < end && isContinuation(position[count])) {
             ++count;
@@ -41,11 +47,7 @@ public:
             keep(position, count);
             return end;
         }
-        if (const char32_t scalar = wellFormed(position, count, needed)) {
-            emit(scalar);
-        } else {
-            emitSubparts(position, count, emit);
-        }
+        emitSubparts(position, count, emit);
         return position + count;
     }
 
@@ -79,27 +81,33 @@ private:
         return byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
     }
 
-    /// The scalar of a complete sequence, 0 when it is malformed or cut short. The bytes after the first are
-    /// known to be continuation bytes.
-    static constexpr char32_t wellFormed(const char* bytes, int count, int needed) {
-        if (count < needed) return 0;
+    /// The scalar of a sequence of `length` bytes, 0 when they are malformed.
+    static constexpr char32_t wellFormed(const char* bytes, int length) {
         const auto at = [bytes](int index) {
-            return static_cast<unsigned char>(bytes[index]);
+            return char32_t{static_cast<unsigned char>(bytes[index])};
         };
-        if (needed == 2) {
-            const char32_t scalar = ((at(0) & 0x1Fu) << 6) | (at(1) & 0x3Fu);
-            return scalar >= 0x80 ? scalar : 0;
+        const auto six = [&at](int index) {
+            return at(index) & 0x3F;
+        };
+        char32_t scalar = 0;
+        switch (length) {
+            case 2:
+                if (!isContinuation(bytes[1])) return 0;
+                scalar = ((at(0) & 0x1F) << 6) | six(1);
+                return scalar >= 0x80 ? scalar : 0;
+            case 3:
+                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2])) return 0;
+                scalar = ((at(0) & 0x0F) << 12) | (six(1) << 6) | six(2);
+                return scalar >= 0x800 && (scalar < 0xD800 || scalar > 0xDFFF) ? scalar : 0;
+            case 4:
+                if (at(0) > 0xF4) return 0;
+                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2]) || !isContinuation(bytes[3]))
+                    return 0;
+                scalar = ((at(0) & 0x07) << 18) | (six(1) << 12) | (six(2) << 6) | six(3);
+                return scalar >= 0x10000 && scalar <= 0x10FFFF ? scalar : 0;
+            default:
+                return 0;
         }
-        if (needed == 3) {
-            const char32_t scalar = ((at(0) & 0x0Fu) << 12) | ((at(1) & 0x3Fu) << 6) | (at(2) & 0x3Fu);
-            return scalar >= 0x800 && (scalar < 0xD800 || scalar > 0xDFFF) ? scalar : 0;
-        }
-        if (needed == 4 && at(0) <= 0xF4) {
-            const char32_t scalar =
-                ((at(0) & 0x07u) << 18) | ((at(1) & 0x3Fu) << 12) | ((at(2) & 0x3Fu) << 6) | (at(3) & 0x3Fu);
-            return scalar >= 0x10000 && scalar <= 0x10FFFF ? scalar : 0;
-        }
-        return 0;
     }
 
     template <class Emit>
