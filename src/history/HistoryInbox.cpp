@@ -54,7 +54,7 @@ Result<FileDescriptor> openLocked(const FilePath& path, int flags, std::chrono::
     while (true) {
         FileDescriptor file(
             open(path.bytes().constData(), flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600));
-        if (!file.isOpen()) return systemFailure(errno);
+        if (!file.isOpen()) return systemFailure(errno, path);
         struct stat opened{};
         struct stat present{};
         if (fstat(file.number(), &opened) != 0) return systemFailure(errno);

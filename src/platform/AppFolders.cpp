@@ -45,7 +45,7 @@ Result<void> createPrivateFolder(const FilePath& folder) {
     const int code = errno;
     // Another process may have been faster.
     if (code == EEXIST && isFolder(folder)) return {};
-    return systemFailure(code);
+    return systemFailure(code, folder);
 }
 
 }  // namespace orvo

@@ -19,7 +19,7 @@ struct FolderCloser {
 
 Result<QList<QByteArray>> listFolder(const FilePath& folder) {
     const std::unique_ptr<DIR, FolderCloser> entries(opendir(folder.bytes().constData()));
-    if (!entries) return systemFailure(errno);
+    if (!entries) return systemFailure(errno, folder);
     QList<QByteArray> names;
     while (true) {
         errno = 0;
@@ -28,7 +28,7 @@ Result<QList<QByteArray>> listFolder(const FilePath& folder) {
         const std::string_view name(entry->d_name);
         if (name != "." && name != "..") names.append(QByteArray(entry->d_name));
     }
-    if (errno != 0) return systemFailure(errno);
+    if (errno != 0) return systemFailure(errno, folder);
     return names;
 }
 

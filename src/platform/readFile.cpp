@@ -15,8 +15,10 @@ Result<QByteArray> readFile(const FilePath& file, qsizetype limit) {
     // O_NONBLOCK: a pipe at this name must not hold us up before it can be looked at.
     const FileDescriptor descriptor(
         open(file.bytes().constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!descriptor.isOpen()) return systemFailure(errno);
-    return readFile(descriptor.number(), limit);
+    if (!descriptor.isOpen()) return systemFailure(errno, file);
+    Result<QByteArray> content = readFile(descriptor.number(), limit);
+    if (!content) return systemFailure(content.error().code, file);
+    return content;
 }
 
 Result<QByteArray> readFile(int descriptor, qsizetype limit) {

@@ -25,19 +25,13 @@ constexpr char temporaryPrefix[] = ".orvo-";
 constexpr char temporarySuffix[] = ".tmp";
 constexpr int temporaryAttempts = 16;
 
-tl::unexpected<Error> saveFailure(const FilePath& file, int code) {
-    Error error = systemError(code);
-    error.message = file.displayName() + QStringLiteral(": ") + error.message;
-    return tl::unexpected<Error>(std::move(error));
-}
-
 /// The file that a link finally points to.
 Result<FilePath> resolved(const FilePath& file) {
     struct stat status{};
     const char* const path = file.bytes().constData();
     if (lstat(path, &status) != 0 || !S_ISLNK(status.st_mode)) return file;
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path, nullptr), &std::free);
-    if (!target) return saveFailure(file, errno);
+    if (!target) return systemFailure(errno, file);
     return FilePath(QByteArray(target.get()));
 }
 
@@ -156,11 +150,11 @@ Result<void> saveAtomically(const FilePath& path, QByteArrayView content, SaveOp
     const QByteArray name = file.nameBytes();
     bool canSynchronise = false;
     const FileDescriptor folder = openFolder(file.parent(), canSynchronise);
-    if (!folder.isOpen()) return saveFailure(path, errno);
+    if (!folder.isOpen()) return systemFailure(errno, path);
 
     std::optional<Former> former;
     if (const int code = examine(folder.number(), name.constData(), former); code != 0) {
-        return saveFailure(path, code);
+        return systemFailure(code, path);
     }
     // A file that exists may be more private than a new one would be; its temporary starts closed.
     const mode_t mode = !former && options.newFile == SaveOptions::NewFile::AsUserWants ? 0666 : 0600;
@@ -172,10 +166,10 @@ Result<void> saveAtomically(const FilePath& path, QByteArrayView content, SaveOp
     }
     if (code != 0) {
         if (!temporary.isEmpty()) unlinkat(folder.number(), temporary.constData(), 0);
-        return saveFailure(path, code);
+        return systemFailure(code, path);
     }
     // EINVAL: a file system that has no way to synchronise folders.
-    if (canSynchronise && fsync(folder.number()) != 0 && errno != EINVAL) return saveFailure(path, errno);
+    if (canSynchronise && fsync(folder.number()) != 0 && errno != EINVAL) return systemFailure(errno, path);
     return {};
 }
 

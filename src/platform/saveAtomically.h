@@ -26,7 +26,7 @@ struct SaveOptions {
 /// Writes `content` so that whoever looks, at any moment and after any crash, finds the old file or the new
 /// one, whole; when it returns, the new one is on the disk. An existing file keeps its permissions, owner and
 /// extended attributes as far as the system allows, and one that may not be written is not replaced. Any
-/// thread. The error is the system's (domain "POSIX", its number as code, "NAME: description" as message);
+/// thread. The error is the system's (`systemError`);
 /// the old file is then still there, and no temporary. Only when the folder itself cannot be synchronised is
 /// the new file in place without being known to survive a power cut.
 Result<void> saveAtomically(const FilePath& file, QByteArrayView content, SaveOptions options = {});

@@ -99,7 +99,7 @@ TEST_F(ProjectFilesTest, browsesIntoFoldersAndStaysThere) {
 TEST_F(ProjectFilesTest, aFolderThatCannotBeListedLeavesTheListAndSaysWhy) {
     m_files.refreshFiles();
     m_files.refreshFiles(m_folder.child("gone"));
-    EXPECT_EQ(m_notices, QStringList{QStringLiteral("No such file or directory")});
+    EXPECT_EQ(m_notices, QStringList{QStringLiteral("gone: No such file or directory")});
     EXPECT_EQ(listing(), QStringLiteral("main.py"));
 }
 

@@ -135,7 +135,7 @@ Result<void> FilePreferences::writeData(const QByteArray& name, const std::optio
         }
         const int code = errno;
         m_unsavedData.insert(name, std::nullopt);
-        return systemFailure(code);
+        return systemFailure(code, file);
     }
     m_unsavedData.insert(name, data);
     if (Result<void> created = createPrivateFolder(m_folder); !created) return created;
@@ -148,7 +148,7 @@ Result<void> FilePreferences::writeData(const QByteArray& name, const std::optio
 Result<void> FilePreferences::putAside(const FilePath& file) {
     if (!m_damaged.contains(file.bytes())) return {};
     if (rename(file.bytes().constData(), (file.bytes() + ".damaged").constData()) != 0 && errno != ENOENT) {
-        return systemFailure(errno);
+        return systemFailure(errno, file);
     }
     m_damaged.remove(file.bytes());
     return {};
