@@ -186,7 +186,7 @@ void TerminalSession::answer(std::string_view reply) {
     if (!m_running || !m_transport) return;
     const auto size = static_cast<qsizetype>(reply.size());
     const qsizetype waiting = m_replies.size() + m_transport->unreadReplies();
-    if (waiting + size <= PTYTransport::maximumUnreadReplies) m_replies.append(reply.data(), size);
+    if (waiting + size <= PTYTransport::maximumUnreadReplies) m_replies.append(QByteArrayView(reply));
 }
 
 void TerminalSession::finish(int status) {
