@@ -149,7 +149,7 @@ void ChildProcess::terminate(pid_t foregroundGroup) {
         m_foregroundGroup = foregroundGroup;
         ::kill(-foregroundGroup, SIGTERM);
     }
-    ::kill(-m_pid, SIGTERM);
+    signalGroup(SIGTERM);
     if (m_terminating) return;
 
     m_terminating = true;
@@ -164,7 +164,12 @@ void ChildProcess::kill() {
     if (m_reaped) return;
     // While the child's id is held, it is its session's id too and proves whose group this is.
     if (m_foregroundGroup > 0 && ::getsid(m_foregroundGroup) == m_pid) ::kill(-m_foregroundGroup, SIGKILL);
-    ::kill(-m_pid, SIGKILL);
+    signalGroup(SIGKILL);
+}
+
+/// A child that was forked just now leads no group yet, and is then signalled alone.
+void ChildProcess::signalGroup(int signal) const {
+    if (::kill(-m_pid, signal) != 0) ::kill(m_pid, signal);
 }
 
 void ChildProcess::ended() {

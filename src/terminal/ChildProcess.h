@@ -45,6 +45,7 @@ private:
     void waitOnThread();
     void ended();
     void kill();
+    void signalGroup(int signal) const;
     void reapWhenGroupIsGone();
     bool hasLivingGroup() const;
 
