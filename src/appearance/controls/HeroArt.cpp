@@ -58,13 +58,8 @@ void HeroArt::paintEvent(QPaintEvent*) {
     QPainterPath front;
     front.arcMoveTo(box, 180);
     front.arcTo(box, 180, 180);
-    QPainterPath ring;
-    ring.addEllipse(QPointF(), 28.5, 28.5);
-    QPainterPath hole;
-    hole.addEllipse(QPointF(), 19.5, 19.5);
-    QPainterPathStroker cut;
-    cut.setWidth(8);
-    painter.fillPath(ring.subtracted(hole).subtracted(cut.createStroke(front)), toQColor(roles.text));
+    const QPainterPath ring = brand::ringBehind(front, {QPointF(), 28.5, 19.5}, 8);
+    painter.fillPath(ring, toQColor(roles.text));
     painter.strokePath(front, QPen(toQColor(roles.accent), 2.5, Qt::SolidLine, Qt::RoundCap));
 
     painter.setPen(Qt::NoPen);

@@ -39,16 +39,23 @@ QPainterPath orbitBehind() {
     return placed(path);
 }
 
-QPainterPath ring(double gap) {
+QPainterPath ringBehind(const QPainterPath& front, const Ring& ring, double gap) {
+    // Qt flattens curves to cut them; done at many times the size, the corners are too small to be seen.
+    constexpr double fine = 32;
     QPainterPath outline;
-    const QPointF middle(center, center);
-    outline.addEllipse(middle, ringRadius + ringWidth / 2, ringRadius + ringWidth / 2);
+    outline.addEllipse(ring.center * fine, ring.outer * fine, ring.outer * fine);
     QPainterPath hole;
-    hole.addEllipse(middle, ringRadius - ringWidth / 2, ringRadius - ringWidth / 2);
+    hole.addEllipse(ring.center * fine, ring.inner * fine, ring.inner * fine);
     QPainterPathStroker cut;
-    cut.setWidth(gap);
+    cut.setWidth(gap * fine);
     cut.setCapStyle(Qt::RoundCap);
-    return outline.subtracted(hole).subtracted(cut.createStroke(orbit()));
+    const QPainterPath gapPath = cut.createStroke(QTransform::fromScale(fine, fine).map(front));
+    return QTransform::fromScale(1 / fine, 1 / fine).map(outline.subtracted(hole).subtracted(gapPath));
+}
+
+QPainterPath ring() {
+    return ringBehind(orbit(), {{center, center}, ringRadius + ringWidth / 2, ringRadius - ringWidth / 2},
+                      4.4);
 }
 
 QPointF dot() {

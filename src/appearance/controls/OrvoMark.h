@@ -1,16 +1,25 @@
 #pragma once
 
+#include <QPointF>
 #include <QWidget>
 
 class QPainterPath;
 
 namespace orvo {
 
-/// The outlines of the brand mark in a box of 32: a ring with a gap where the orbit passes in front of it.
-/// Widgets, hero art and the application's icon are all made from them.
+/// The lines of the brand mark in a box of 32: a ring, and an orbit that passes in front of it.
+/// resources/brand/orvo.svg shows the same figure.
 namespace brand {
-/// The ring's outline, with the gap cut out; `gap` is the width of the cut.
-QPainterPath ring(double gap = 4.4);
+struct Ring {
+    QPointF center;
+    double outer;
+    double inner;
+};
+/// The outline of a ring with a gap, `gap` wide, where the line `front` passes before it.
+QPainterPath ringBehind(const QPainterPath& front, const Ring& ring, double gap);
+
+/// The mark's ring, with its gap.
+QPainterPath ring();
 /// The centre line of the orbit in front of the ring, from left to right.
 QPainterPath orbit();
 /// The short piece of the orbit behind.

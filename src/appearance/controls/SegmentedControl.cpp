@@ -14,8 +14,7 @@
 
 namespace orvo {
 
-/// One option of the control. Exclusive buttons of one parent: Qt moves the choice with the arrow keys and
-/// makes the chosen one the only stop for Tab.
+/// One option of the control. Exclusive buttons of one parent: Qt moves the choice with the arrow keys.
 class Segment final : public Pressable {
 public:
     Segment(const QString& title, QWidget* parent) : Pressable(title, parent) {
@@ -65,7 +64,9 @@ SegmentedControl::SegmentedControl(const QStringList& options, QWidget* parent) 
         m_segments.push_back(segment);
         row->addWidget(segment);
         connect(segment, &QAbstractButton::toggled, this, [this, index](bool on) {
-            if (on) Q_EMIT chosen(index);
+            if (!on) return;
+            adoptChoice();
+            Q_EMIT chosen(index);
         });
     }
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -82,6 +83,13 @@ void SegmentedControl::setCurrentIndex(int index) {
     Segment* segment = m_segments.at(static_cast<std::size_t>(index));
     const QSignalBlocker quiet(segment);
     segment->setChecked(true);
+    adoptChoice();
+}
+
+void SegmentedControl::adoptChoice() {
+    for (Segment* segment : m_segments) {
+        segment->setFocusPolicy(segment->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+    }
     update();
 }
 

@@ -30,6 +30,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// Makes the chosen segment the one stop for Tab.
+    void adoptChoice();
+
     std::vector<Segment*> m_segments;
 };
 

@@ -123,6 +123,14 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
         setGeometry(parentWidget()->rect());
         placePanel();
     }
+    // Without its window nothing can be answered; closing it is a way out, first of the sheet.
+    if (watched == parentWidget() && m_open &&
+        (event->type() == QEvent::Close || event->type() == QEvent::Hide)) {
+        const bool closing = event->type() == QEvent::Close;
+        if (closing) event->ignore();
+        dismiss();
+        return closing;
+    }
     // Shortcuts of the window behind rest while the sheet is open.
     const bool ofThisWindow = [&] {
         if (event->type() != QEvent::Shortcut) return false;
