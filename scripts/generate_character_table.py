@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
-"""Writes the table of character properties that the terminal looks every scalar up in.
+"""Writes tables of character properties as C++ text, from the Unicode character database.
 
-usage: generate_character_table.py UNICODE_FOLDER OUTPUT
+usage: generate_character_table.py properties|letters UNICODE_FOLDER OUTPUT
 
-UNICODE_FOLDER holds UnicodeData.txt and PropList.txt (Debian package unicode-data). The output is C++ text with
-two tables: one byte a page of 256 scalars that numbers the page, and the distinct pages of property bytes.
+UNICODE_FOLDER holds UnicodeData.txt and PropList.txt (Debian package unicode-data).
+
+properties: what the terminal looks every scalar up in; one byte a page of 256 scalars that numbers the page, and
+the distinct pages of property bytes.
+letters: the first and last scalar of each range of letters, marks and numbers (general categories L, M, N).
 """
 import pathlib
 import sys
@@ -44,11 +47,15 @@ def property_ranges(path, wanted):
         yield int(first, 16), int(last or first, 16)
 
 
-def nonspacing_marks(path):
+def categories(path):
+    """First scalar, last scalar and general category of everything assigned, in order."""
+    first = None
     for line in path.read_text(encoding="utf-8").splitlines():
-        scalar, _, category = line.split(";")[:3]
-        if category == "Mn":
-            yield int(scalar, 16)
+        scalar, name, category = line.split(";")[:3]
+        if name.endswith(", First>"):
+            first = int(scalar, 16)
+            continue
+        yield first if name.endswith(", Last>") else int(scalar, 16), int(scalar, 16), category
 
 
 def rows(values):
@@ -56,11 +63,11 @@ def rows(values):
         yield "    " + ", ".join(str(value) for value in values[start : start + 24]) + ","
 
 
-def main():
-    source, output = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+def properties(source):
     table = bytearray(SCALARS)
-    for scalar in nonspacing_marks(source / "UnicodeData.txt"):
-        mark(table, scalar, scalar, NONSPACING_MARK)
+    for first, last, category in categories(source / "UnicodeData.txt"):
+        if category == "Mn":
+            mark(table, first, last, NONSPACING_MARK)
     for first, last in WIDE_RANGES:
         mark(table, first, last, WIDE)
     for first, last in property_ranges(source / "PropList.txt", "White_Space"):
@@ -71,13 +78,35 @@ def main():
     for start in range(0, SCALARS, PAGE):
         page = bytes(table[start : start + PAGE])
         page_numbers.append(numbers.setdefault(page, len(numbers)))
+    yield "const std::uint8_t characterPages[] = {"
+    yield from rows(page_numbers)
+    yield "};"
+    yield ""
+    yield "const std::uint8_t pageProperties[] = {"
+    yield from rows(b"".join(numbers))
+    yield "};"
 
-    lines = ["// Made by scripts/generate_character_table.py from the Unicode character database.", ""]
-    lines += ["const std::uint8_t characterPages[] = {"]
-    lines += [*rows(page_numbers), "};", ""]
-    lines += ["const std::uint8_t pageProperties[] = {"]
-    lines += [*rows(b"".join(numbers)), "};", ""]
-    output.write_text("\n".join(lines), encoding="utf-8")
+
+def letters(source):
+    ranges = []
+    for first, last, category in categories(source / "UnicodeData.txt"):
+        if category[0] not in "LMN":
+            continue
+        if ranges and ranges[-1][1] == first - 1:
+            ranges[-1][1] = last
+        else:
+            ranges.append([first, last])
+    yield "constexpr ScalarRange lettersAndNumbers[] = {"
+    for first, last in ranges:
+        yield f"    {{0x{first:X}, 0x{last:X}}},"
+    yield "};"
+
+
+def main():
+    kind, source, output = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
+    lines = {"properties": properties, "letters": letters}[kind](source)
+    title = "// Made by scripts/generate_character_table.py from the Unicode character database."
+    output.write_text("\n".join([title, "", *lines, ""]), encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -1,25 +1,63 @@
 #include "appearance/HexColor.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <system_error>
 
 namespace orvo {
 namespace {
 
-constexpr bool isLetterOrDigit(char character) {
-    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
-           (character >= 'A' && character <= 'Z') || static_cast<unsigned char>(character) >= 0x80;
+struct ScalarRange {
+    char32_t first;
+    char32_t last;
+};
+
+#include "CharacterTable.inc"
+
+constexpr bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// Whether the one character that `bytes` are in UTF-8 is a letter or digit in the sense of Unicode.
+bool isLetterOrDigit(std::string_view bytes) {
+    const char32_t lead = static_cast<unsigned char>(bytes.front());
+    char32_t scalar = lead < 0x80   ? lead
+                      : lead < 0xE0 ? lead & 0x1F
+                      : lead < 0xF0 ? lead & 0x0F
+                                    : lead & 0x07;
+    for (const char byte : bytes.substr(1)) {
+        scalar = (scalar << 6) | (static_cast<unsigned char>(byte) & 0x3F);
+    }
+    const auto range = std::ranges::lower_bound(lettersAndNumbers, scalar, {}, &ScalarRange::last);
+    return range != std::end(lettersAndNumbers) && range->first <= scalar;
+}
+
+std::string_view firstCharacter(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && length < 4 && isContinuation(text[length])) {
+        ++length;
+    }
+    return text.substr(0, length);
+}
+
+std::string_view lastCharacter(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && length < 4 && isContinuation(text[text.size() - length])) {
+        ++length;
+    }
+    return text.substr(text.size() - length);
 }
 
 }  // namespace
 
 Rgb colorFromHex(std::string_view hex) {
-    while (!hex.empty() && !isLetterOrDigit(hex.front())) {
-        hex.remove_prefix(1);
+    while (!hex.empty() && !isLetterOrDigit(firstCharacter(hex))) {
+        hex.remove_prefix(firstCharacter(hex).size());
     }
-    while (!hex.empty() && !isLetterOrDigit(hex.back())) {
-        hex.remove_suffix(1);
+    while (!hex.empty() && !isLetterOrDigit(lastCharacter(hex))) {
+        hex.remove_suffix(lastCharacter(hex).size());
     }
     std::uint64_t value = 0;
     const auto [end, error] = std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);

@@ -74,6 +74,10 @@ TEST(EscapeSequence, ErasesInsertsAndDeletes) {
         {"@ loses what passes the margin", "\x1B[2G\x1B[5@", "0     1234", "0,1"},
         {"@ with a great count clears the rest", "\x1B[2G\x1B[99@", "0", "0,1"},
         {"@ beyond the text shows nothing", "\x1B[9G\x1B[@x", "0123456 x", "0,9"},
+        {"what was erased does not come back with @", "\x1B[4G\x1B[K\x1B[2G\x1B[@", "0 12", "0,1"},
+        {"what was erased does not come back with P", "\x1B[4G\x1B[K\x1B[2G\x1B[P", "02", "0,1"},
+        {"what was erased does not come back before text", "\x1B[2G\x1B[K\x1B[6Gx", "0    x", "0,6"},
+        {"what was deleted does not come back before text", "\x1B[M\x1B[M\x1B[M\x1B[6Gx", "     x", "0,6"},
         {"erasing leaves a pending wrap", "789\x1B[KX", "012345678\nX", "1,1"},
     };
     for (const ScreenCase& example : onLine) {
