@@ -56,17 +56,31 @@ QString textOf(FileChange::Kind kind) {
     return {};
 }
 
+QJsonObject jsonOf(const FileChange& change) {
+    QJsonObject object{{QStringLiteral("kind"), textOf(change.kind())},
+                       {QStringLiteral("before"), valueOf(change.before)},
+                       {QStringLiteral("after"), valueOf(change.after)},
+                       {QStringLiteral("beforeMode"), valueOf(change.beforeMode)},
+                       {QStringLiteral("afterMode"), valueOf(change.afterMode)}};
+    insertBytes(object, "path", change.path);
+    return object;
+}
+
+std::optional<FileChange> changeFrom(const QJsonObject& object) {
+    const auto path = bytesField(object, "path");
+    if (!path) return std::nullopt;
+    FileChange change{*path, {}, {}, {}, {}};
+    const bool readable =
+        readHash(object, "before", change.before) && readHash(object, "after", change.after) &&
+        readMode(object, "beforeMode", change.beforeMode) && readMode(object, "afterMode", change.afterMode);
+    if (!readable) return std::nullopt;
+    return change;
+}
+
 QByteArray encodeChanges(const QList<FileChange>& changes) {
     QJsonArray array;
-    for (const FileChange& change : changes) {
-        QJsonObject object{{QStringLiteral("kind"), textOf(change.kind())},
-                           {QStringLiteral("before"), valueOf(change.before)},
-                           {QStringLiteral("after"), valueOf(change.after)},
-                           {QStringLiteral("beforeMode"), valueOf(change.beforeMode)},
-                           {QStringLiteral("afterMode"), valueOf(change.afterMode)}};
-        insertBytes(object, "path", change.path);
-        array.append(object);
-    }
+    for (const FileChange& change : changes)
+        array.append(jsonOf(change));
     return QJsonDocument(array).toJson(QJsonDocument::Compact);
 }
 
@@ -75,16 +89,9 @@ std::optional<QList<FileChange>> decodeChanges(const QByteArray& json) {
     if (!document.isArray()) return std::nullopt;
     QList<FileChange> changes;
     for (const QJsonValue& value : document.array()) {
-        const QJsonObject object = value.toObject();
-        const auto path = bytesField(object, "path");
-        if (!path) return std::nullopt;
-        FileChange change{*path, {}, {}, {}, {}};
-        if (!readHash(object, "before", change.before) || !readHash(object, "after", change.after) ||
-            !readMode(object, "beforeMode", change.beforeMode) ||
-            !readMode(object, "afterMode", change.afterMode)) {
-            return std::nullopt;
-        }
-        changes.append(change);
+        const auto change = changeFrom(value.toObject());
+        if (!change) return std::nullopt;
+        changes.append(*change);
     }
     return changes;
 }

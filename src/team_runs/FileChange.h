@@ -6,6 +6,8 @@
 
 #include <optional>
 
+class QJsonObject;
+
 namespace orvo {
 
 /// One difference between the baseline and a copy. It holds hashes, not contents: later checks compare
@@ -31,6 +33,9 @@ struct FileChange {
 
 /// "Added", "Changed" or "Removed".
 QString textOf(FileChange::Kind kind);
+
+QJsonObject jsonOf(const FileChange& change);
+std::optional<FileChange> changeFrom(const QJsonObject& object);
 
 /// A JSON array of {"path","kind","before","after","beforeMode","afterMode"}; absent values are null.
 QByteArray encodeChanges(const QList<FileChange>& changes);

@@ -51,8 +51,10 @@ void draw(const FilePath& folder, const QByteArray& prefix, QMap<QByteArray, QBy
 
 }  // namespace
 
-Tree::Tree() {
-    QByteArray pattern = QDir::tempPath().toLocal8Bit() + "/orvo-tree-XXXXXX";
+Tree::Tree(Place place) {
+    const QByteArray memory("/dev/shm");
+    const bool inMemory = place == Place::Memory && access(memory.constData(), W_OK) == 0;
+    QByteArray pattern = (inMemory ? memory : QDir::tempPath().toLocal8Bit()) + "/orvo-tree-XXXXXX";
     require(mkdtemp(pattern.data()) != nullptr, "mkdtemp", FilePath(pattern));
     m_root = FilePath(pattern);
 }

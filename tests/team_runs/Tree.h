@@ -14,7 +14,10 @@ namespace orvo::test {
 /// the shorthands themselves end the test program: nothing after them would mean anything.
 class Tree {
 public:
-    Tree();
+    /// Memory holds the tree of tests that synchronise often; where it is missing, a disk does.
+    enum class Place { Disk, Memory };
+
+    explicit Tree(Place place = Place::Disk);
     ~Tree();
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
