@@ -156,7 +156,6 @@ private:
     void rememberFolder();
     void reportUnsaved(const Error& error);
     bool ensureFolder();
-    std::optional<QString> taskRefusal(const Provider& provider, const QString& task) const;
     QList<Provider> taskTargets() const;
     std::shared_ptr<TerminalSession> listedOrClosing(const QUuid& id) const;
     void sessionFinished(TerminalSession& session);

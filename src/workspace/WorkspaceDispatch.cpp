@@ -3,15 +3,13 @@
 #include "workspace/Workspace.h"
 
 #include "platform/observe.h"
-#include "terminal/core/launch.h"
 #include "workspace/characters.h"
+#include "workspace/taskRefusal.h"
 
 namespace orvo {
 namespace {
 
 constexpr int titleCharacters = 52;
-// What a session puts before its command, rounded up: a task that is let through can be started.
-constexpr std::size_t roomBeforeCommand = 256;
 const QString shellID = QStringLiteral("shell");
 
 }  // namespace
@@ -41,22 +39,6 @@ bool Workspace::ensureFolder() {
     return m_folder.has_value();
 }
 
-/// Why `provider` cannot be given `task`, in the words for the person.
-std::optional<QString> Workspace::taskRefusal(const Provider& provider, const QString& task) const {
-    if (auto error = provider.templateError()) return error;
-    if (task.isEmpty()) return std::nullopt;
-    if (!provider.receivesTasks()) {
-        return tr("Add {prompt} to %1’s launch command to receive tasks.").arg(provider.name);
-    }
-    if (task.contains(QChar::Null)) return tr("This task holds a character that no command can carry.");
-    const std::string command = provider.command(task).toStdString();
-    if (!fitsOneArgument(std::string(roomBeforeCommand, ' ') + command)) {
-        return tr("This task is too long to start %1 with. Put the details into a file of the project.")
-            .arg(provider.name);
-    }
-    return std::nullopt;
-}
-
 QList<Provider> Workspace::taskTargets() const {
     QList<Provider> targets;
     for (const Provider& provider : m_assistants.providers()) {
@@ -77,7 +59,7 @@ void Workspace::dispatchPrompt() {
         return;
     }
     for (const Provider& target : targets) {
-        if (const auto refusal = taskRefusal(target, task)) {
+        if (const auto refusal = taskRefusal(target, task, target.command(task))) {
             notify(*refusal);
             return;
         }
@@ -104,13 +86,14 @@ void Workspace::launch(const Provider& provider, const QString& prompt) {
         editConnector(provider);
         return;
     }
-    if (const auto refusal = taskRefusal(provider, prompt)) {
+    const QString command = provider.command(prompt);
+    if (const auto refusal = taskRefusal(provider, prompt, command)) {
         notify(*refusal);
         return;
     }
     const QString title =
         prompt.isEmpty() ? tr("%1 session").arg(provider.name) : firstCharacters(prompt, titleCharacters);
-    startSession(provider.id, title, provider.command(prompt), *m_folder);
+    startSession(provider.id, title, command, *m_folder);
 }
 
 void Workspace::signIn(const Provider& provider) {

@@ -28,7 +28,7 @@ QString exportName(const QString& title) {
     for (QChar& c : name) {
         if (c == u'/' || c.category() == QChar::Other_Control) c = u'-';
     }
-    while ((name + suffix).toUtf8().size() > maximumNameBytes)
+    while ((name + suffix).toUtf8().size() > maximumNameBytes || name.back().isHighSurrogate())
         name.chop(1);
     return name + suffix;
 }

@@ -3,6 +3,7 @@
 #include "workspace/Workspace.h"
 
 #include "platform/observe.h"
+#include "workspace/snapshotOf.h"
 
 #include <QPointer>
 
@@ -20,16 +21,6 @@ std::shared_ptr<TerminalSession> find(const Sessions& sessions, const QUuid& id)
 
 bool removeSession(Sessions& sessions, const QUuid& id) {
     return std::erase_if(sessions, [&](const auto& session) { return session->id() == id; }) > 0;
-}
-
-HistoryEntry snapshotOf(const TerminalSession& session) {
-    return {.id = QUuid::createUuid(),
-            .provider = session.providerID(),
-            .title = session.title(),
-            .directory = session.directory(),
-            .started = session.started(),
-            .exitCode = session.exitCode().value_or(-1),
-            .output = QString::fromStdString(session.screen().plainText())};
 }
 
 }  // namespace
