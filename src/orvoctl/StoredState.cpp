@@ -1,0 +1,16 @@
+#include "orvoctl/StoredState.h"
+
+#include "platform/AppFolders.h"
+
+namespace orvo::ctl {
+
+StoredState::StoredState()
+    : m_preferences(AppFolders::fromProcess().configuration, FilePreferences::Access::ReadOnly),
+      m_inbox(AppFolders::fromProcess().configuration.child("history.pending")),
+      m_assistants(&m_preferences, ToolEnvironment::fromProcess()),
+      m_history(&m_preferences) {
+    m_history.attachInbox(m_inbox, HistoryStore::InboxRole::Append);
+    m_assistants.refreshProviders();
+}
+
+}  // namespace orvo::ctl

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "assistants/Assistants.h"
+#include "history/HistoryInbox.h"
+#include "history/HistoryStore.h"
+#include "platform/linux/FilePreferences.h"
+
+namespace orvo::ctl {
+
+/// What the window has stored, read only: preferences, connectors and history. Sessions that finish here go
+/// into the history's inbox, from which the window takes them.
+class StoredState {
+public:
+    StoredState();
+
+    Assistants& assistants() { return m_assistants; }
+    const Assistants& assistants() const { return m_assistants; }
+    HistoryStore& history() { return m_history; }
+    const HistoryStore& history() const { return m_history; }
+
+private:
+    FilePreferences m_preferences;
+    HistoryInbox m_inbox;
+    Assistants m_assistants;
+    HistoryStore m_history;
+};
+
+}  // namespace orvo::ctl
