@@ -14,11 +14,15 @@ PageTitle::PageTitle(const QString& eyebrow, const QString& title, const QString
     m_row->setSpacing(8);
     auto* column = new QVBoxLayout;
     column->setSpacing(6);
-    column->addWidget(new Eyebrow(eyebrow));
+    if (!eyebrow.isEmpty()) column->addWidget(new Eyebrow(eyebrow));
     column->addWidget(new Paragraph(title, TypeRole::Title, Ink::Text));
     auto* explanation = new Paragraph(subtitle);
     explanation->setMaximumWidth(800);
-    column->addWidget(explanation);
+    // In a row of its own: a limit on the column would narrow, and then centre, the whole title.
+    auto* line = new QHBoxLayout;
+    line->addWidget(explanation, 1);
+    line->addStretch();
+    column->addLayout(line);
     m_row->addLayout(column, 1);
 }
 
