@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QHash>
+#include <QPointer>
+#include <QWidget>
+
+class QStackedWidget;
+
+namespace orvo {
+
+class ConnectorSheet;
+class Launcher;
+class Notice;
+class Theme;
+class Workspace;
+enum class Destination;
+
+/// The main window's content: sidebar, header, the page of the current destination, status bar; above them
+/// the notice and the connector sheet. The models and the launcher outlive it.
+class OrvoRoot : public QWidget {
+    Q_OBJECT
+
+public:
+    OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent = nullptr);
+
+private:
+    QWidget* makePage(Destination destination);
+    void refreshPage();
+    void refreshNotice();
+    void refreshConnectorSheet();
+
+    Workspace& m_workspace;
+    Theme& m_theme;
+    Launcher& m_launcher;
+    QStackedWidget* m_pages;
+    QHash<Destination, QWidget*> m_pageOf;
+    Notice* m_notice;
+    QPointer<ConnectorSheet> m_connectorSheet;
+};
+
+}  // namespace orvo

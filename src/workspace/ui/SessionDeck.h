@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QHash>
+#include <QUuid>
+#include <QWidget>
+
+class QMenu;
+
+namespace orvo {
+
+class CountBadge;
+class DeckGrid;
+class SegmentedControl;
+class SessionTabs;
+class TerminalPane;
+class TerminalSession;
+class Theme;
+class Workspace;
+
+/// The live sessions: a tab each, and their panes side by side or one alone. A pane lives as long as its
+/// session is listed, whatever the layout. The models outlive the deck.
+class SessionDeck : public QWidget {
+    Q_OBJECT
+
+public:
+    SessionDeck(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
+
+private:
+    QWidget* makeHeader();
+    TerminalPane* makePane(TerminalSession& session);
+    void fillNewSessionMenu();
+    void refreshPanes();
+    void refreshNames();
+    void refreshLayout();
+    void refreshActive();
+    void focusTerminal(const QUuid& id);
+    void focusNewTerminal();
+
+    Workspace& m_workspace;
+    Theme& m_theme;
+    CountBadge* m_count = nullptr;
+    SegmentedControl* m_layout = nullptr;
+    QMenu* m_newSession = nullptr;
+    SessionTabs* m_tabs = nullptr;
+    DeckGrid* m_grid = nullptr;
+    QHash<QUuid, TerminalPane*> m_panes;
+};
+
+}  // namespace orvo

@@ -1,0 +1,90 @@
+#include "workspace/ui/SessionTabs.h"
+
+#include "appearance/controls/SessionTab.h"
+#include "platform/observe.h"
+#include "workspace/Workspace.h"
+#include "workspace/ui/layouts.h"
+
+#include <QScrollBar>
+#include <QWheelEvent>
+
+namespace orvo {
+namespace {
+
+constexpr int rowHeight = 32;
+constexpr int gap = 4;
+
+}  // namespace
+
+SessionTabs::SessionTabs(Workspace& workspace, QWidget* parent)
+    : QScrollArea(parent), m_workspace(workspace) {
+    setFixedHeight(rowHeight);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setWidgetResizable(true);
+    auto* const content = new QWidget;
+    m_row = rowIn(content, gap);
+    m_row->addStretch();
+    setWidget(content);
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+
+    observe(m_workspace.assistants(), {&Assistants::providersChanged}, this, [this] { rebuild(); });
+    connect(&m_workspace, &Workspace::sessionsChanged, this, [this] { refreshTabs(); });
+    connect(&m_workspace, &Workspace::activeSessionIDChanged, this, [this] { refreshActive(); });
+}
+
+void SessionTabs::rebuild() {
+    // Icons and colours come from the connectors, which have changed.
+    for (SessionTab* const tab : std::as_const(m_tabs))
+        delete tab;
+    m_tabs.clear();
+    refreshTabs();
+}
+
+void SessionTabs::refreshTabs() {
+    for (auto it = m_tabs.begin(); it != m_tabs.end();) {
+        if (m_workspace.session(it.key())) {
+            ++it;
+            continue;
+        }
+        // Later, because a tab may be what is being pressed.
+        it.value()->hide();
+        it.value()->deleteLater();
+        it = m_tabs.erase(it);
+    }
+    for (const auto& session : m_workspace.sessions()) {
+        if (m_tabs.contains(session->id())) continue;
+        const Provider provider = m_workspace.assistants().provider(session->providerID());
+        auto* const tab =
+            new SessionTab(provider.icon, colorFromHex(provider.colorHex.toStdString()), session->title());
+        connect(tab, &SessionTab::clicked, this, [this, id = session->id()] { Q_EMIT chosen(id); });
+        m_row->insertWidget(m_row->count() - 1, tab);
+        m_tabs.insert(session->id(), tab);
+    }
+    refreshActive();
+}
+
+void SessionTabs::refreshActive() {
+    for (auto it = m_tabs.cbegin(); it != m_tabs.cend(); ++it) {
+        const bool current = it.key() == m_workspace.activeSessionID();
+        it.value()->setCurrent(current);
+        if (current) ensureWidgetVisible(it.value(), 0, 0);
+    }
+}
+
+void SessionTabs::wheelEvent(QWheelEvent* event) {
+    const QPoint delta = event->angleDelta();
+    const int along = delta.x() != 0 ? delta.x() : delta.y();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() - along);
+    event->accept();
+}
+
+void SessionTabs::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    refreshActive();
+}
+
+}  // namespace orvo

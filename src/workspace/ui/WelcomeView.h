@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QWidget>
+
+namespace orvo {
+
+class FlowGrid;
+class Launcher;
+class Workspace;
+
+/// What the Workspace page shows while there is no session: greeting, three ideas, the connected tools.
+class WelcomeView : public QWidget {
+    Q_OBJECT
+
+public:
+    WelcomeView(Workspace& workspace, Launcher& launcher, QWidget* parent = nullptr);
+
+private:
+    QWidget* makeIdeas();
+    QWidget* makeTools();
+    void refreshTools();
+
+    Workspace& m_workspace;
+    Launcher& m_launcher;
+    QWidget* m_tools = nullptr;
+    FlowGrid* m_toolGrid = nullptr;
+};
+
+}  // namespace orvo

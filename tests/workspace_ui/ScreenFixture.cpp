@@ -1,0 +1,95 @@
+#include "workspace_ui/ScreenFixture.h"
+
+#include "appearance/controls/OrvoStyle.h"
+
+#include <QAccessible>
+#include <QDir>
+#include <QFile>
+
+namespace orvo::test {
+namespace {
+
+QWidget* visibleNamed(const QWidget& root, const QString& name, const char* className) {
+    for (QWidget* const widget : root.findChildren<QWidget*>()) {
+        if (widget->isVisible() && widget->inherits(className) && nameOf(*widget) == name) return widget;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+QString nameOf(const QWidget& widget) {
+    // The interface wants a mutable object, but only reads it here.
+    QAccessibleInterface* const interface =
+        QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&widget));
+    return interface ? interface->text(QAccessible::Name) : QString();
+}
+
+QWidget* findNamed(const QWidget& root, const QString& name, const char* className) {
+    QWidget* const found = visibleNamed(root, name, className);
+    if (!found) ADD_FAILURE() << "no visible " << className << " named \"" << qPrintable(name) << '"';
+    return found;
+}
+
+bool shows(const QWidget& root, const QString& text) {
+    return visibleNamed(root, text, "QWidget") != nullptr;
+}
+
+ScreenFixture::ScreenFixture() {
+    const QString home = m_folder.filePath(QStringLiteral("home"));
+    QDir().mkpath(home + QStringLiteral("/.local/bin"));
+    // The shells that sessions start look for programs below HOME too.
+    qputenv("HOME", QFile::encodeName(home));
+    applyTheme(m_theme);
+}
+
+ScreenFixture::~ScreenFixture() {
+    if (m_workspace) stopSessionsAndWait(m_workspace->sessions());
+}
+
+void ScreenFixture::install(const QString& program) {
+    QFile file(m_folder.filePath(QStringLiteral("home/.local/bin/") + program));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("#!/bin/sh\nprintf 'asked: %s\\n' \"$*\"\nread -r line\n");
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+FilePath ScreenFixture::makeProject(const QString& name) {
+    QDir(m_folder.path()).mkpath(name);
+    return FilePath::fromString(m_folder.filePath(name));
+}
+
+WorkspaceServices ScreenFixture::services() {
+    // Without a PATH, programs of the machine that runs the test show up only from the system's own folders.
+    return {.preferences = &m_preferences,
+            .clock = m_clock,
+            .dialogs = m_dialogs,
+            .launcher = m_launcher,
+            .sleepInhibitor = m_sleepInhibitor,
+            .tools = {FilePath::fromString(m_folder.filePath(QStringLiteral("home"))), QByteArray()}};
+}
+
+Workspace& ScreenFixture::workspace() {
+    if (!m_workspace) m_workspace = std::make_unique<Workspace>(services());
+    return *m_workspace;
+}
+
+OrvoRoot& ScreenFixture::screen(QSize size) {
+    if (!m_screen) {
+        m_screen = std::make_unique<OrvoRoot>(workspace(), m_theme, m_launcher);
+        m_screen->resize(size);
+        m_screen->show();
+    }
+    return *m_screen;
+}
+
+void ScreenFixture::startTerminal() {
+    if (!workspace().folder()) workspace().openFolderForThisRun(makeProject(QStringLiteral("notes")));
+    workspace().launch(workspace().assistants().provider(QStringLiteral("shell")), QString());
+}
+
+void ScreenFixture::press(const QString& name) {
+    if (auto* const button = find<QAbstractButton>(screen(), name)) button->click();
+}
+
+}  // namespace orvo::test
