@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/FilePath.h"
+#include "platform/Result.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <optional>
+
+namespace orvo {
+
+/// What the command line asks for.
+struct Options {
+    enum class Request { Window, Help, Version };
+
+    Request request = Request::Window;
+    /// Project folder for this run only, instead of the saved one.
+    std::optional<FilePath> workspace = {};
+    /// Folder for pictures of the pages. The run is transient then: no preference is read or written.
+    std::optional<FilePath> capture = {};
+
+    bool operator==(const Options&) const = default;
+};
+
+/// Reads the arguments after the program's name. Folders may be relative to `currentFolder`. They are bytes,
+/// because a folder's name need not be UTF-8. The error's message is one sentence for the terminal.
+Result<Options> parseOptions(const QList<QByteArray>& arguments, const FilePath& currentFolder);
+
+/// The text of "--help".
+QString optionsHelp();
+
+}  // namespace orvo
