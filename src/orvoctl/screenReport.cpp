@@ -1,6 +1,5 @@
 #include "orvoctl/screenReport.h"
 
-#include "appearance/HexColor.h"
 #include "terminal/core/TerminalScreen.h"
 
 #include <QJsonArray>
