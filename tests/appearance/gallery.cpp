@@ -38,6 +38,7 @@
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QHoverEvent>
+#include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -45,6 +46,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QTimer>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <functional>
@@ -355,6 +357,17 @@ QWidget* brandRow() {
     return holder;
 }
 
+QWidget* applicationIcons() {
+    auto* holder = row({}, 12);
+    auto* line = static_cast<QHBoxLayout*>(holder->layout());
+    for (const int size : {16, 24, 32, 64}) {
+        auto* icon = new QLabel;
+        icon->setPixmap(QIcon(QStringLiteral(":/brand/orvo.svg")).pixmap(size));
+        line->insertWidget(line->count() - 1, icon);
+    }
+    return holder;
+}
+
 QWidget* menuPicture() {
     auto* menu = new QMenu;
     menu->addAction(QStringLiteral("Export output"));
@@ -431,7 +444,7 @@ QWidget* makePage() {
                        "the plan. Nothing is sent before you say so, and nothing is kept."));
     section(sheet.left, QStringLiteral("Information"), {info, composer()});
     section(sheet.right, QStringLiteral("Type"), {types()});
-    section(sheet.right, QStringLiteral("Brand"), {brandRow()});
+    section(sheet.right, QStringLiteral("Brand"), {brandRow(), applicationIcons()});
     section(sheet.right, QStringLiteral("Symbols"), {symbolTable()});
     section(
         sheet.right, QStringLiteral("Pills, eyebrow, busy"),
@@ -484,6 +497,12 @@ QPixmap overlays(double) {
     bar->addMenu(QStringLiteral("File"));
     bar->resize(1440, 28);
     window.show();
+    QToolTip::showText(window.mapToGlobal(QPoint(20, 60)),
+                       QStringLiteral("Refresh installed tools and files"));
+    QPixmap tip;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        if (top->inherits("QTipLabel")) tip = top->grab();
+    }
     AlertSheet alert(&window,
                      {QStringLiteral("Stop this session?"),
                       QStringLiteral("The assistant and processes launched in this terminal will stop."),
@@ -494,6 +513,7 @@ QPixmap overlays(double) {
         Notice notice(&window);
         notice.showText(QStringLiteral("Task sent to 2 assistants."));
         picture = window.grab();
+        QPainter(&picture).drawPixmap(20, 60, tip);
         window.close();
         alert.dismiss();
     });

@@ -6,6 +6,7 @@
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QComboBox>
 #include <QMenu>
@@ -62,6 +63,10 @@ QPalette OrvoStyle::paletteOf(const Roles& roles) {
 
 void OrvoStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    if (const auto* area = qobject_cast<QAbstractScrollArea*>(widget);
+        area && area->frameShape() == QFrame::StyledPanel) {
+        area->viewport()->setAutoFillBackground(false);  // the frame fills its round shape
+    }
     if (qobject_cast<QScrollBar*>(widget)) {
         // The bar lies over what scrolls and paints only its thumb.
         widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
@@ -72,6 +77,7 @@ void OrvoStyle::polish(QWidget* widget) {
         widget->setFont(fontOf(TypeRole::Body));
     } else if (widget->inherits("QTipLabel")) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
+        widget->setContentsMargins(4, 0, 4, 0);  // with the frame, 10 on both sides
     } else if (qobject_cast<QComboBox*>(widget) || widget->inherits("QLineEdit") ||
                widget->inherits("QAbstractSlider")) {
         widget->setAttribute(Qt::WA_Hover);
@@ -101,9 +107,9 @@ int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
             return 8;
         case PM_SliderThickness:
         case PM_SliderControlThickness:
-            return 20;
+            return 24;
         case PM_SliderLength:
-            return 16;
+            return 24;
         case PM_SplitterWidth:
             return 1;
         case PM_MenuPanelWidth:
@@ -122,7 +128,7 @@ int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         case PM_ButtonIconSize:
             return 16;
         case PM_ToolTipLabelFrameWidth:
-            return 0;
+            return 5;
         case PM_TextCursorWidth: {
             // A text field paints its caret itself, in the accent. QLineEdit asks with the option alone.
             const QObject* object = widget ? widget : option ? option->styleObject : nullptr;

@@ -176,9 +176,11 @@ void paintSlider(const QStyleOptionSlider& slider, QPainter* painter, const QRec
                  const Roles& roles) {
     painter->save();
     if (!slider.state.testFlag(QStyle::State_Enabled)) painter->setOpacity(0.4);
-    const QRectF area = slider.rect;
-    const QPointF middle = QRectF(handle).center();
+    // The handle is 24 long, so that the ring around its thumb of 16 has room at both ends.
     const bool flat = slider.orientation == Qt::Horizontal;
+    const QRectF area =
+        QRectF(slider.rect).adjusted(flat ? 4 : 0, flat ? 0 : 4, flat ? -4 : 0, flat ? 0 : -4);
+    const QPointF middle = QRectF(handle).center();
     const QRectF track = flat ? QRectF(area.left(), area.center().y() - 2, area.width(), 4)
                               : QRectF(area.center().x() - 2, area.top(), 4, area.height());
     QRectF filled = track;
@@ -429,6 +431,10 @@ QSize OrvoStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
             if (!item->icon.isNull()) width += 24;
             if (item->menuItemType == QStyleOptionMenuItem::SubMenu) width += 24;
             return {width, 28};
+        }
+        case CT_ItemViewItem: {
+            const QSize natural = QProxyStyle::sizeFromContents(type, option, contents, widget);
+            return {natural.width(), std::max(natural.height(), 28)};
         }
         default:
             break;
