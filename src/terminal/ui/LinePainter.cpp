@@ -31,6 +31,12 @@ bool isBlank(const TerminalCell& cell) {
            cell.content == U' ';
 }
 
+/// Some assistants begin every entry with the record sign, which only the colour font has here; a coloured
+/// button would stand where a plain dot is meant.
+char32_t shownFor(char32_t character) {
+    return character == 0x23FA ? 0x25CF : character;
+}
+
 int underlineStyle(const TerminalCell& cell) {
     return (cell.attributes >> 9) & 7;
 }
@@ -124,7 +130,7 @@ void LinePainter::paintTexts(const TerminalRow& line, std::span<const TerminalCe
                               QColor::fromRgb(look.text), m_glyphs.fontSize() / 12, m_scale);
             continue;
         }
-        const quint32 glyph = cluster ? 0 : m_glyphs.glyph(cell.content, look.style);
+        const quint32 glyph = cluster ? 0 : m_glyphs.glyph(shownFor(cell.content), look.style);
         if (glyph == 0) {
             paintPicture(QString::fromStdString(line.text(column)), look, snappedCell(row, column, span));
             continue;

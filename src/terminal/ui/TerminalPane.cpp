@@ -19,6 +19,7 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include <cmath>
 #include <functional>
 
 namespace orvo {
@@ -30,6 +31,12 @@ constexpr int headerHeight = 32;
 constexpr int headerPadding = 12;
 constexpr int iconSize = 16;
 constexpr int gap = 8;
+
+/// As wide as fits beside the terminal: at scales like 150 % a rounded-up line would lie half under it.
+void strokeFrame(QPainter& painter, const QRectF& frame, const QColor& color) {
+    const double scale = painter.device()->devicePixelRatioF();
+    strokeRounded(painter, frame, radius, color, std::floor(frameWidth * scale) / scale);
+}
 
 /// Lies over a lower corner of the terminal, which is square, and paints what is outside of the frame, and
 /// the frame.
@@ -52,7 +59,7 @@ protected:
         QPainterPath outside;
         outside.addRect(geometry());
         painter.fillPath(outside.subtracted(inside), toQColor(rolesOf(this).bg));
-        strokeRounded(painter, frame, radius, m_frameColor());
+        strokeFrame(painter, frame, m_frameColor());
     }
 
 private:
@@ -98,7 +105,7 @@ QWidget* TerminalPane::makeHeader() {
     header->setFixedHeight(headerHeight);
     auto* row = new QHBoxLayout(header);
     // The symbol and the line below are painted by the pane; the button's own padding hangs into the margin.
-    row->setContentsMargins(headerPadding + iconSize + gap, 0, 6, 1);
+    row->setContentsMargins(headerPadding + iconSize + gap, 0, 6, 0);
     row->setSpacing(gap);
     QFont font = m_name->font();
     font.setWeight(QFont::DemiBold);
@@ -156,7 +163,7 @@ void TerminalPane::paintEvent(QPaintEvent*) {
     painter.fillRect(frameWidth, headerHeight, width() - 2 * frameWidth, 1, toQColor(roles.border));
     paintSymbol(painter, QRectF(frameWidth + headerPadding, frameWidth, iconSize, headerHeight - 1),
                 QStringLiteral("terminal"), toQColor(roles.accent), iconSize);
-    strokeRounded(painter, rect(), radius, frameColor());
+    strokeFrame(painter, rect(), frameColor());
 }
 
 void TerminalPane::resizeEvent(QResizeEvent*) {
