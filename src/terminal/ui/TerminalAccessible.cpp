@@ -4,6 +4,7 @@
 #include "terminal/ui/TerminalView.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace orvo {
 
@@ -42,31 +43,26 @@ const TerminalText& TerminalAccessible::content() const {
 
 // --- What has changed
 
-void TerminalAccessible::notifyChanged(TerminalView& view) {
-    // A screen reader speaks what happens at the focus; others ask when they want to know.
-    if (!QAccessible::isActive() || !view.hasFocus()) return;
+bool TerminalAccessible::isListenedTo(const TerminalView& view) {
+    return QAccessible::isActive() && view.hasFocus();
+}
+
+void TerminalAccessible::announceChanges(TerminalView& view) {
     if (auto* self = dynamic_cast<TerminalAccessible*>(QAccessible::queryAccessibleInterface(&view)))
         self->announce();
 }
 
 void TerminalAccessible::announce() {
-    const TerminalText before = std::exchange(m_announced, content());
-    const QString& old = before.text;
-    const QString& now = m_announced.text;
-    if (old != now) {
-        const qsizetype shorter = std::min(old.size(), now.size());
-        const auto [oldAt, nowAt] = std::mismatch(old.begin(), old.begin() + shorter, now.begin());
-        const qsizetype same = oldAt - old.begin();
-        qsizetype tail = 0;
-        while (tail < shorter - same && old[old.size() - 1 - tail] == now[now.size() - 1 - tail])
-            ++tail;
-        QAccessibleTextUpdateEvent event(&view(), static_cast<int>(same),
-                                         old.mid(same, old.size() - same - tail),
-                                         now.mid(same, now.size() - same - tail));
+    const std::optional<TerminalText> known = std::exchange(m_announced, content());
+    // What was there before anybody listened is read on request.
+    if (!known) return;
+    if (known->text != m_announced->text) {
+        const TextChange change = TextChange::between(known->text, m_announced->text);
+        QAccessibleTextUpdateEvent event(&view(), change.position, change.removed, change.inserted);
         QAccessible::updateAccessibility(&event);
     }
-    if (before.cursor != m_announced.cursor) {
-        QAccessibleTextCursorEvent event(&view(), m_announced.cursor);
+    if (known->cursor != m_announced->cursor) {
+        QAccessibleTextCursorEvent event(&view(), m_announced->cursor);
         QAccessible::updateAccessibility(&event);
     }
 }

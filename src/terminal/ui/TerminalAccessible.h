@@ -5,6 +5,8 @@
 #include <QAccessibleWidget>
 #include <QPointer>
 
+#include <optional>
+
 namespace orvo {
 
 class TerminalSession;
@@ -15,8 +17,11 @@ class TerminalAccessible : public QAccessibleWidget, public QAccessibleTextInter
 public:
     explicit TerminalAccessible(TerminalView* view);
 
-    /// Tells listeners what has changed in a view since the last call; free while nobody listens.
-    static void notifyChanged(TerminalView& view);
+    /// Whether somebody listens to what changes in a view. A screen reader speaks what happens at the focus;
+    /// for the rest it asks.
+    static bool isListenedTo(const TerminalView& view);
+    /// Tells listeners what has changed in a view since the last call.
+    static void announceChanges(TerminalView& view);
 
     void* interface_cast(QAccessible::InterfaceType type) override;
     QAccessible::State state() const override;
@@ -52,7 +57,7 @@ private:
     };
     mutable Version m_version;
     mutable TerminalText m_content;
-    TerminalText m_announced;
+    std::optional<TerminalText> m_announced;
 };
 
 /// Makes Qt describe every terminal view by `TerminalAccessible`. Later calls do nothing.

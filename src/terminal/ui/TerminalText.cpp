@@ -64,4 +64,15 @@ TerminalText::Place TerminalText::placeOf(int offset) const {
     return {firstLine + static_cast<int>(index), lineStarts.isEmpty() ? 0 : offset - lineStarts[index]};
 }
 
+TextChange TextChange::between(const QString& before, const QString& now) {
+    const qsizetype shorter = std::min(before.size(), now.size());
+    const qsizetype same =
+        std::mismatch(before.begin(), before.begin() + shorter, now.begin()).first - before.begin();
+    qsizetype tail = 0;
+    while (tail < shorter - same && before[before.size() - 1 - tail] == now[now.size() - 1 - tail])
+        ++tail;
+    return {static_cast<int>(same), before.mid(same, before.size() - same - tail),
+            now.mid(same, now.size() - same - tail)};
+}
+
 }  // namespace orvo

@@ -29,4 +29,13 @@ struct TerminalText {
     Place placeOf(int offset) const;
 };
 
+/// How one text became another, without the beginning and end that both share.
+struct TextChange {
+    int position = 0;
+    QString removed;
+    QString inserted;
+
+    static TextChange between(const QString& before, const QString& now);
+};
+
 }  // namespace orvo

@@ -29,6 +29,8 @@ namespace orvo {
 namespace {
 
 constexpr int frameMilliseconds = 16;
+// A screen reader cannot follow faster, and every announcement compares the whole text.
+constexpr int announcementMilliseconds = 100;
 // Scrolling: three dip of wheel movement make a line, and a notch (120 of Qt's units) counts nine dip.
 constexpr double dipPerLine = 3;
 constexpr double dipPerNotch = 9;
@@ -53,6 +55,9 @@ TerminalView::TerminalView(Theme& theme, QWidget* parent) : QWidget(parent), m_t
     m_frame.setTimerType(Qt::PreciseTimer);
     connect(&m_frame, &QTimer::timeout, this, &TerminalView::showChanges);
     m_sinceFrame.start();
+    m_announcement.setSingleShot(true);
+    m_announcement.setInterval(announcementMilliseconds);
+    connect(&m_announcement, &QTimer::timeout, this, [this] { TerminalAccessible::announceChanges(*this); });
 
     observe(m_theme, {&Theme::fontSizeChanged}, this, [this] { applyFont(); });
     observe(m_theme, {&Theme::backgroundHexChanged, &Theme::accentHexChanged}, this,
@@ -65,6 +70,7 @@ void TerminalView::setSession(TerminalSession* session) {
     if (m_session == session) return;
     if (m_session) disconnect(m_session, nullptr, this, nullptr);
     m_session = session;
+    setAccessibleName(session != nullptr ? session->title() : QString());
     m_preedit.clear();
     m_wheelRemainder = 0;
     setScrollOffset(0);
@@ -159,7 +165,7 @@ void TerminalView::showChanges() {
     m_sinceFrame.start();
     if (const TerminalScreen* shown = screen()) follow(*shown);
     updateChanged();
-    TerminalAccessible::notifyChanged(*this);
+    if (!m_announcement.isActive() && TerminalAccessible::isListenedTo(*this)) m_announcement.start();
 }
 
 void TerminalView::updateChanged() {
@@ -171,6 +177,8 @@ void TerminalView::updateChanged() {
         if (std::exchange(m_shownStamps[static_cast<std::size_t>(row)], stamp) == stamp) continue;
         update(m_glyphs->geometry().line(row, width()));
     }
+    // Composed text lies over cells that no line tells about, and moves with the cursor.
+    if (!m_preedit.isEmpty()) update();
     const std::optional<QRect> cursor = drawnCursor();
     const std::optional<QRect> before = std::exchange(m_shownCursor, cursor);
     if (before == cursor) return;
@@ -325,7 +333,7 @@ void TerminalView::send(const QByteArray& bytes) {
     m_session->sendBytes(bytes);
 }
 
-void TerminalView::triggerMenuItem(int key) {
+void TerminalView::triggerMenuItem(int key) const {
     const QKeySequence wanted{key};
     for (QAction* action : window()->findChildren<QAction*>()) {
         if (!action->isEnabled() || !action->shortcuts().contains(wanted)) continue;

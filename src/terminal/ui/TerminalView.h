@@ -88,7 +88,7 @@ private:
     void repaintAll();
     void follow(const TerminalScreen& screen);
     void send(const QByteArray& bytes);
-    void triggerMenuItem(int key);
+    void triggerMenuItem(int key) const;
 
     void paintCursor(QPainter& painter, const LinePainter& lines) const;
     void paintPreedit(QPainter& painter) const;
@@ -112,6 +112,8 @@ private:
     std::optional<QRect> m_shownCursor;
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
+    /// Until the next word to assistive technology.
+    QTimer m_announcement;
 };
 
 }  // namespace orvo

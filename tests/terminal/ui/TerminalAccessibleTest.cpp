@@ -3,6 +3,8 @@
 
 #include <QAccessible>
 
+#include <string>
+
 namespace orvo {
 namespace {
 
@@ -43,6 +45,22 @@ TEST(TerminalAccessible, TheTextIsThatOfTheScreenWithHistory) {
     const TerminalText text = TerminalText::of(terminal.session.screen());
     EXPECT_EQ(text.text.toStdString(), terminal.session.screen().plainText());
     EXPECT_EQ(text.cursor, text.text.size());
+}
+
+TEST(TerminalAccessible, AChangeIsToldWithoutWhatStayedTheSame) {
+    const auto change = [](const char* before, const char* now) {
+        const TextChange told = TextChange::between(QString::fromUtf8(before), QString::fromUtf8(now));
+        return std::to_string(told.position) + " -" + told.removed.toStdString() + " +" +
+               told.inserted.toStdString();
+    };
+    EXPECT_EQ(change("", "$ "), "0 - +$ ");
+    EXPECT_EQ(change("$ l", "$ ls\na  b"), "3 - +s\na  b");
+    EXPECT_EQ(change("one\ntwo\nthree", "two\nthree\nfour"), "0 -one\ntwo\nthree +two\nthree\nfour");
+    EXPECT_EQ(change("time 10:15 ok", "time 10:16 ok"), "9 -5 +6");
+    // What could belong to either end is counted once.
+    EXPECT_EQ(change("aa", "aaa"), "2 - +a");
+    EXPECT_EQ(change("aaa", "a"), "1 -aa +");
+    EXPECT_EQ(change("same", "same"), "4 - +");
 }
 
 }  // namespace
