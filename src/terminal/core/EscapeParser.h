@@ -176,22 +176,21 @@ const char* EscapeParser::quickSequence(const char* position, const char* end, S
     ++position;
     ControlSequence sequence;
     if (*position == '?') sequence.marker = *position++;
-    std::size_t count = 0;
-    unsigned value = 0;
-    for (const char* field = position; position < end;) {
-        const char byte = *position++;
-        if (const unsigned digit = static_cast<unsigned char>(byte) - unsigned{'0'}; digit <= 9) {
+    // Six digits cannot pass the greatest parameter, and a field with its terminator needs no look at the
+    // end.
+    constexpr int quickDigits = 6;
+    for (std::size_t count = 0; count < quickParameters && end - position > quickDigits;) {
+        unsigned value = 0;
+#pragma GCC unroll 6
+        for (int digits = 0; digits < quickDigits; ++digits) {
+            const unsigned digit = static_cast<unsigned char>(*position) - unsigned{'0'};
+            if (digit > 9) break;
             value = value * 10 + digit;
-            continue;
+            ++position;
         }
-        // Up to six digits cannot pass the greatest parameter. The terminator is counted in.
-        if (position - field > 7 || count == quickParameters) break;
+        const char byte = *position++;
         m_quick[count++] = static_cast<int>(value);
-        if (byte == ';') {
-            value = 0;
-            field = position;
-            continue;
-        }
+        if (byte == ';') continue;
         if (!isFinal(static_cast<unsigned char>(byte))) break;
         sequence.final = byte;
         sequence.parameters = std::span(m_quick.data(), count);
