@@ -8,9 +8,9 @@ int main(int argc, char** argv) {
     if (argc != 2) return 2;
     using namespace orvo;
     FilePreferences preferences(FilePath(QByteArray(argv[1])), FilePreferences::Access::ReadWrite);
-    std::puts("ready");
-    std::fflush(stdout);
     for (int round = 1;; ++round) {
+        std::puts("next");
+        std::fflush(stdout);
         const int length = round * 7919 % 40'000;
         if (!preferences.setValue(preference::petX, round)) return 1;
         if (!preferences.setValue(preference::workspace, QString(length, u'w'))) return 1;
