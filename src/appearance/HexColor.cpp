@@ -14,7 +14,7 @@ struct ScalarRange {
     char32_t last;
 };
 
-#include "CharacterTable.inc"
+#include "character_letters.inc"
 
 constexpr bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;

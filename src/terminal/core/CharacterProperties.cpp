@@ -2,6 +2,6 @@
 
 namespace orvo::detail {
 
-#include "CharacterTable.inc"
+#include "character_properties.inc"
 
 }  // namespace orvo::detail
