@@ -92,11 +92,12 @@ std::optional<HistoryEntry> historyEntryFromJson(const QJsonObject& object) {
     return HistoryEntry{*id, *provider, *title, *folder, *started, *exitCode, *output};
 }
 
-QByteArray encodeHistory(const QList<HistoryEntry>& entries) {
-    QJsonArray array;
-    for (const HistoryEntry& entry : entries)
-        array.append(toJson(entry));
-    return QJsonDocument(array).toJson(QJsonDocument::Compact);
+QByteArray encodeEntry(const HistoryEntry& entry) {
+    return QJsonDocument(toJson(entry)).toJson(QJsonDocument::Compact);
+}
+
+QByteArray encodeHistory(const QByteArrayList& encodedEntries) {
+    return '[' + encodedEntries.join(',') + ']';
 }
 
 std::optional<QList<HistoryEntry>> decodeHistory(const QByteArray& json) {

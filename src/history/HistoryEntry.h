@@ -2,6 +2,7 @@
 
 #include "platform/FilePath.h"
 
+#include <QByteArrayList>
 #include <QDateTime>
 #include <QList>
 #include <QString>
@@ -31,8 +32,10 @@ QJsonObject toJson(const HistoryEntry& entry);
 /// Nothing when a key is missing or holds something else than it must.
 std::optional<HistoryEntry> historyEntryFromJson(const QJsonObject& object);
 
-/// A list of entries as stored: one JSON array without white space.
-QByteArray encodeHistory(const QList<HistoryEntry>& entries);
+/// One entry as stored, without white space.
+QByteArray encodeEntry(const HistoryEntry& entry);
+/// A list as stored, from its encoded entries: one JSON array without white space.
+QByteArray encodeHistory(const QByteArrayList& encodedEntries);
 /// Nothing unless `json` is an array of which every element is an entry.
 std::optional<QList<HistoryEntry>> decodeHistory(const QByteArray& json);
 

@@ -100,7 +100,7 @@ Result<void> HistoryInbox::append(const HistoryEntry& entry) const {
     if (Result<void> created = createPrivateFolder(m_file.parent()); !created) return created;
     const Result<FileDescriptor> file = openLocked(m_file, O_RDWR | O_CREAT, lockLimit);
     if (!file) return tl::unexpected<Error>(file.error());
-    const QByteArray line = QJsonDocument(toJson(entry)).toJson(QJsonDocument::Compact) + '\n';
+    const QByteArray line = encodeEntry(entry) + '\n';
     struct stat status{};
     if (fstat(file->number(), &status) != 0) return systemFailure(errno);
     if (status.st_size + line.size() <= m_capacity) return appendLine(*file, line);
@@ -110,7 +110,7 @@ Result<void> HistoryInbox::append(const HistoryEntry& entry) const {
     const QList<HistoryEntry> entries = decodeLines(*content).entries;
     QByteArray kept;
     for (const HistoryEntry& each : entries.last(qMin(entries.size(), keptWhenFull))) {
-        kept += QJsonDocument(toJson(each)).toJson(QJsonDocument::Compact) + '\n';
+        kept += encodeEntry(each) + '\n';
     }
     return saveAtomically(m_file, kept + line);
 }

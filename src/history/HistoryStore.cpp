@@ -25,6 +25,8 @@ HistoryStore::HistoryStore(Preferences* preferences, QObject* parent)
 }
 
 void HistoryStore::load() {
+    m_entries.clear();
+    m_encoded.clear();
     if (m_preferences == nullptr) return;
     const std::optional<QByteArray> stored = m_preferences->value(preference::history);
     if (!stored) return;
@@ -34,12 +36,16 @@ void HistoryStore::load() {
         return;
     }
     m_entries = entries->first(std::min<qsizetype>(entries->size(), maximumEntries));
+    m_encoded.resize(m_entries.size());
 }
 
 HistoryStore::Stored HistoryStore::save() {
     if (m_preferences == nullptr || m_role == InboxRole::Append) return Stored::No;
+    for (qsizetype i = 0; i < m_entries.size(); ++i) {
+        if (m_encoded[i].isEmpty()) m_encoded[i] = encodeEntry(m_entries[i]);
+    }
     // Whoever gave us the preferences learns of failures there; the list stays in memory.
-    return m_preferences->setValue(preference::history, encodeHistory(m_entries)) ? Stored::Yes : Stored::No;
+    return m_preferences->setValue(preference::history, encodeHistory(m_encoded)) ? Stored::Yes : Stored::No;
 }
 
 bool HistoryStore::putInFront(const QList<HistoryEntry>& oldestFirst) {
@@ -47,9 +53,12 @@ bool HistoryStore::putInFront(const QList<HistoryEntry>& oldestFirst) {
     for (const HistoryEntry& entry : oldestFirst) {
         // One that is there already came from an inbox that could not be emptied.
         const bool isThere = std::ranges::find(m_entries, entry.id, &HistoryEntry::id) != m_entries.end();
-        if (!isThere) m_entries.prepend(entry);
+        if (isThere) continue;
+        m_entries.prepend(entry);
+        m_encoded.prepend(QByteArray());
     }
     m_entries.resize(std::min<qsizetype>(m_entries.size(), maximumEntries));
+    m_encoded.resize(m_entries.size());
     return m_entries != before;
 }
 
@@ -68,6 +77,7 @@ void HistoryStore::record(const HistoryEntry& entry) {
 void HistoryStore::clear() {
     const bool changed = !m_entries.isEmpty();
     m_entries.clear();
+    m_encoded.clear();
     save();
     if (changed) Q_EMIT entriesChanged();
 }
@@ -83,7 +93,7 @@ void HistoryStore::attachInbox(const HistoryInbox& inbox, InboxRole role) {
     // The inbox first and then the list again: a window that moves an entry meanwhile stores the list before
     // it empties the inbox, so the entry is in one of them.
     const QList<HistoryEntry> waiting = inbox.entries();
-    const QList<HistoryEntry> before = std::exchange(m_entries, {});
+    const QList<HistoryEntry> before = m_entries;
     load();
     putInFront(waiting);
     if (m_entries != before) Q_EMIT entriesChanged();

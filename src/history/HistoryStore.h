@@ -58,6 +58,9 @@ private:
     const HistoryInbox* m_inbox = nullptr;
     InboxRole m_role = InboxRole::Merge;
     QList<HistoryEntry> m_entries;
+    /// For each entry its stored form, empty until it is first saved: entries never change, and encoding all
+    /// of them anew for each session that ends would take longer than everything else about it.
+    QByteArrayList m_encoded;
 };
 
 }  // namespace orvo

@@ -25,7 +25,7 @@ HistoryEntry expectedEntry() {
 }
 
 TEST(HistoryEntry, hasExactlyTheStoredFormAndComesBackFromIt) {
-    EXPECT_EQ(encodeHistory({expectedEntry()}), QByteArray(storedEntry));
+    EXPECT_EQ(encodeHistory({encodeEntry(expectedEntry())}), QByteArray(storedEntry));
     EXPECT_EQ(decodeHistory(storedEntry), QList<HistoryEntry>{expectedEntry()});
     EXPECT_EQ(encodeHistory({}), "[]");
     EXPECT_EQ(decodeHistory("[]"), QList<HistoryEntry>());
@@ -39,7 +39,8 @@ TEST(HistoryEntry, anyTextAndPathSurvives) {
             HistoryEntry entry = sampleEntry(text, text);
             entry.directory = FilePath(path);
             entry.exitCode = -1;
-            EXPECT_EQ(decodeHistory(encodeHistory({entry, entry})), (QList<HistoryEntry>{entry, entry}));
+            EXPECT_EQ(decodeHistory(encodeHistory({encodeEntry(entry), encodeEntry(entry)})),
+                      (QList<HistoryEntry>{entry, entry}));
             const bool isUtf8 = path != "/x\xFF\xFE/\xC3";
             EXPECT_NE(toJson(entry).contains(QStringLiteral("directoryBytes")), isUtf8);
         }
