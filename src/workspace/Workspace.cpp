@@ -24,6 +24,9 @@ Workspace::Workspace(WorkspaceServices services, QObject* parent)
       m_assistants(m_preferences.get(), m_services.tools),
       m_history(m_preferences.get()),
       m_files(m_services.dialogs, [this](const QString& message) { notify(message); }) {
+    if (m_services.historyInbox) {
+        m_history.attachInbox(*m_services.historyInbox, HistoryStore::InboxRole::Merge);
+    }
     if (m_preferences) restore();
     m_assistants.refreshProviders();
     m_files.refreshFiles();

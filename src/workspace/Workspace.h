@@ -23,6 +23,7 @@
 
 namespace orvo {
 
+class HistoryInbox;
 class Preferences;
 class ReportingPreferences;
 
@@ -35,6 +36,8 @@ struct WorkspaceServices {
     Launcher& launcher;
     SleepInhibitor& sleepInhibitor;
     ToolEnvironment tools;
+    /// Where command-line runs leave their finished sessions for this history; null for none.
+    const HistoryInbox* historyInbox = nullptr;
 };
 
 /// The hub behind the main window: it owns the engines and the terminal sessions, and keeps what several

@@ -1,3 +1,4 @@
+#include "history/HistoryInbox.h"
 #include "workspace/WorkspaceTestCase.h"
 
 #include <QDir>
@@ -79,6 +80,27 @@ TEST_F(WorkspacePreferences, WithoutPersistenceNothingIsReadOrWritten) {
     EXPECT_TRUE(preferences.writes().isEmpty());
     EXPECT_EQ(workspace->selectedProviders(),
               (QSet<QString>{QStringLiteral("claude"), QStringLiteral("codex")}));
+}
+
+TEST_F(WorkspacePreferences, SessionsOfCommandLineRunsEnterTheHistory) {
+    const HistoryInbox inbox(home.child("history.pending"));
+    HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    entry.title = QStringLiteral("before");
+    entry.directory = project;
+    entry.started = clock.now();
+    ASSERT_TRUE(inbox.append(entry));
+    historyInbox = &inbox;
+    makeWorkspace();
+    ASSERT_EQ(workspace->history().entries().size(), 1);
+
+    entry.id = QUuid::createUuid();
+    entry.title = QStringLiteral("meanwhile");
+    ASSERT_TRUE(inbox.append(entry));
+    EXPECT_TRUE(test::waitFor([&] { return workspace->history().entries().size() == 2; }));
+    EXPECT_EQ(workspace->history().entries().first().title, QStringLiteral("meanwhile"));
+    EXPECT_EQ(decodeHistory(*preferences.value(preference::history))->size(), 2);
+    workspace.reset();
 }
 
 TEST_F(WorkspacePreferences, ARowOfFailedWritesIsOneNoticeThatOutlastsTheOperations) {

@@ -25,7 +25,8 @@ Workspace& WorkspaceTestCase::makeWorkspace(Persist persist) {
                           .dialogs = dialogs,
                           .launcher = launcher,
                           .sleepInhibitor = sleepInhibitor,
-                          .tools = {home, "/usr/bin:/bin"}});
+                          .tools = {home, "/usr/bin:/bin"},
+                          .historyInbox = historyInbox});
     workspace->setSeparateCopies(false);
     return *workspace;
 }

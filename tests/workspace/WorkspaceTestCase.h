@@ -42,6 +42,7 @@ protected:
     FakeDialogs dialogs;
     FakeLauncher launcher;
     FakeSleepInhibitor sleepInhibitor;
+    const HistoryInbox* historyInbox = nullptr;
     std::unique_ptr<Workspace> workspace;
 };
 
