@@ -179,6 +179,11 @@ void TerminalView::updateChanged() {
     }
     // Composed text lies over cells that no line tells about, and moves with the cursor.
     if (!m_preedit.isEmpty()) update();
+    updateCursor();
+}
+
+void TerminalView::updateCursor() {
+    if (!m_strayCursors.isEmpty()) update(std::exchange(m_strayCursors, {}));
     const std::optional<QRect> cursor = drawnCursor();
     const std::optional<QRect> before = std::exchange(m_shownCursor, cursor);
     if (before == cursor) return;
@@ -199,7 +204,7 @@ void TerminalView::repaintAll() {
 void TerminalView::paintEvent(QPaintEvent* event) {
     fitSession();
     QPainter painter(this);
-    const QRegion damaged = event->region();
+    const QRegion& damaged = event->region();
     for (const QRect& rect : damaged)
         painter.fillRect(rect, m_defaults.background);
     const TerminalScreen* shown = screen();
@@ -211,7 +216,11 @@ void TerminalView::paintEvent(QPaintEvent* event) {
             lines.paint(visibleLine(*shown, row), row);
     }
     painter.setClipping(false);
-    if (drawnCursor()) paintCursor(painter, lines);
+    if (const std::optional<QRect> cursor = drawnCursor()) {
+        paintCursor(painter, lines);
+        // Moved since the last frame: the next one has to paint over it.
+        if (cursor != m_shownCursor) m_strayCursors += *cursor;
+    }
     if (!m_preedit.isEmpty()) paintPreedit(painter);
     if (m_scrollOffset > 0) paintScrollbackLabel(painter);
 }
@@ -282,7 +291,7 @@ bool TerminalView::event(QEvent* event) {
         case QEvent::ShortcutOverride: {
             // Claims the key, so that no shortcut of a menu or button takes it from the program.
             auto* key = static_cast<QKeyEvent*>(event);
-            if (meaningOf(*key) == KeyMeaning::Other) break;
+            if (!m_session || meaningOf(*key) == KeyMeaning::Other) break;
             event->accept();
             return true;
         }

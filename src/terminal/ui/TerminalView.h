@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 
@@ -84,6 +85,7 @@ private:
     void showChanges();
     /// Asks for a repaint of the lines that differ from what is shown.
     void updateChanged();
+    void updateCursor();
     /// Asks for a repaint of everything, and forgets what was shown.
     void repaintAll();
     void follow(const TerminalScreen& screen);
@@ -110,6 +112,8 @@ private:
     // What the last requested repaint shows: a line's stamp for each row, and the cursor's place.
     std::vector<std::uint64_t> m_shownStamps;
     std::optional<QRect> m_shownCursor;
+    /// Where a paint between two frames has drawn the cursor besides.
+    QRegion m_strayCursors;
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
     /// Until the next word to assistive technology.
