@@ -11,7 +11,7 @@ namespace orvo {
 namespace {
 
 // Enough for two thousand pictures of two cells at 200 %.
-constexpr qsizetype pictureBytes = 8 * 1024 * 1024;
+constexpr qsizetype pictureBytes = qsizetype{8} << 20;
 
 const QString emojiFamily = QStringLiteral("Noto Color Emoji");
 
@@ -81,10 +81,10 @@ const QPixmap& GlyphCache::picture(const QString& text, GlyphStyle style, QRgb c
                                    double devicePixelRatio) {
     const PictureKey key{text, color, size, devicePixelRatio, style};
     if (const QPixmap* known = m_pictures.object(key)) return *known;
-    auto* made = new QPixmap(draw(key));
-    m_pictures.insert(key, made,
-                      std::min<qsizetype>(pictureBytes / 4, 4L * size.width() * size.height() + 256));
-    return *made;
+    // Never costlier than the cache allows, so that it stays in at least until the next call.
+    const qsizetype cost = qsizetype{4} * size.width() * size.height() + 256;
+    m_pictures.insert(key, new QPixmap(draw(key)), std::min(pictureBytes / 4, cost));
+    return *m_pictures.object(key);
 }
 
 QPixmap GlyphCache::draw(const PictureKey& key) const {

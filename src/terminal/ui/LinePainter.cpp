@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace orvo {
 namespace {
@@ -14,8 +15,9 @@ namespace {
 // A faint text keeps this share of its own colour over what lies below it.
 constexpr double dimShare = 0.6;
 
-QRgb opaque(Rgb color) {
-    return qRgb(color.red, color.green, color.blue);
+QRgb opaque(CellColor color, QRgb byDefault) {
+    const std::optional<Rgb> own = color.color();
+    return own ? qRgb(own->red, own->green, own->blue) : byDefault;
 }
 
 QRgb mixed(QRgb over, QRgb under, double share) {
@@ -76,13 +78,13 @@ QRectF LinePainter::snappedCell(int row, int column, int span) const {
 
 LinePainter::Look LinePainter::lookOf(const TerminalCell& cell) const {
     Look look;
-    const QRgb own = cell.foreground.isDefault() ? m_defaultText : opaque(*cell.foreground.color());
+    const QRgb own = opaque(cell.foreground, m_defaultText);
     if (cell.inverse()) {
-        look.text = cell.background.isDefault() ? m_defaultBackground : opaque(*cell.background.color());
+        look.text = opaque(cell.background, m_defaultBackground);
         look.fill = own;
     } else {
         look.text = own;
-        if (!cell.background.isDefault()) look.fill = opaque(*cell.background.color());
+        look.fill = opaque(cell.background, 0);
     }
     if ((cell.attributes & TerminalCell::Dim) != 0) {
         look.text = mixed(look.text, look.fill != 0 ? look.fill : m_defaultBackground, dimShare);
