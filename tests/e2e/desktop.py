@@ -1,0 +1,127 @@
+"""A person at the desktop: finds controls by what they are called, uses them, and takes pictures.
+
+Everything goes through the accessibility tree and the X server, so the program needs no hook for tests.
+"""
+import os
+import pathlib
+import subprocess
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+LIMIT = 30  # seconds to wait for anything; slow machines need them, fast ones do not notice
+
+
+def wait_for(what, condition, limit=LIMIT):
+    """The first true value of `condition`, or a failure that says what was waited for."""
+    end = time.monotonic() + limit
+    while True:
+        try:
+            value = condition()
+        except Exception:  # a control that went away while it was asked: ask again
+            value = None
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise AssertionError(f"waited {limit} s in vain for {what}")
+        time.sleep(0.05)
+
+
+def tree(node, depth=0):
+    """`node` and everything below it that shows."""
+    if node is None or depth > 40:
+        return
+    yield node
+    for index in range(node.get_child_count()):
+        yield from tree(node.get_child_at_index(index), depth + 1)
+
+
+def showing(node):
+    return node.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+def checked(node):
+    return node.get_state_set().contains(Atspi.StateType.CHECKED)
+
+
+def text_of(node):
+    return Atspi.Text.get_text(node, 0, Atspi.Text.get_character_count(node))
+
+
+class Program:
+    """A running `orvo` with a home of its own."""
+
+    def __init__(self, binary, pictures, arguments=(), environment=None):
+        self.pictures = pathlib.Path(pictures)
+        self.pictures.mkdir(parents=True, exist_ok=True)
+        self.errors = open(self.pictures / "stderr.txt", "w+b")
+        self.process = subprocess.Popen(
+            [binary, *arguments], stdin=subprocess.DEVNULL, stderr=self.errors,
+            env={**os.environ, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **(environment or {})})
+
+    def application(self):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            if child is not None and child.get_process_id() == self.process.pid:
+                return child
+        return None
+
+    def all(self, role=None, name=None, inside=None):
+        """Every showing control of that role (as Atspi names it) and name."""
+        found = []
+        for node in tree(inside or self.application()):
+            if role is not None and node.get_role_name() != role:
+                continue
+            if name is not None and node.get_name() != name:
+                continue
+            if showing(node):
+                found.append(node)
+        return found
+
+    def find(self, role=None, name=None, inside=None):
+        return wait_for(f"{role or 'a control'} {name!r}",
+                        lambda: next(iter(self.all(role, name, inside)), None))
+
+    def press(self, name, role="push button"):
+        self.do(self.find(role, name))
+
+    @staticmethod
+    def do(node, action="Press"):
+        """The named action, or the first when the control calls it differently."""
+        names = [Atspi.Action.get_action_name(node, i) for i in range(Atspi.Action.get_n_actions(node))]
+        Atspi.Action.do_action(node, names.index(action) if action in names else 0)
+
+    def click(self, node):
+        box = Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN)
+        xdotool("mousemove", str(box.x + box.width // 2), str(box.y + box.height // 2), "click", "1")
+
+    def picture(self, name):
+        """What the screen shows, after the window has had time to paint."""
+        time.sleep(0.4)
+        subprocess.run(["import", "-window", "root", str(self.pictures / f"{name}.png")], check=True)
+
+    def standard_error(self):
+        self.errors.flush()
+        self.errors.seek(0)
+        return self.errors.read().decode(errors="replace")
+
+    def end(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+
+
+def xdotool(*arguments):
+    subprocess.run(["xdotool", *arguments], check=True)
+
+
+def type_text(text):
+    xdotool("type", "--delay", "20", text)
+
+
+def press_key(key):
+    xdotool("key", key)

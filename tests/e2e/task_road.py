@@ -1,0 +1,126 @@
+"""The main job, done by hand: open a project, choose two assistants, send a task, answer, watch, close, quit.
+
+Usage: task_road.py PROGRAM PICTURES
+"""
+import os
+import pathlib
+import shutil
+import sys
+import tempfile
+
+from desktop import Program, checked, press_key, text_of, type_text, wait_for
+
+TASK = "Say \"hello\" to 'everyone';\n$(touch hacked) `touch hacked`\nand stop."
+
+ASSISTANT = r"""#!/bin/sh
+# An assistant as far as the workspace can see: colour, a question, an answer, the task as it was given.
+printf '\033[1;36m%s\033[0m is working in \033[33m%s\033[0m\n' NAME "${PWD##*/}"
+for word; do task=$word; done
+printf '%s' "$task" > "NAME.task"
+printf 'Continue? [y/n] '
+read -r answer
+printf '\033[32mAnswer:\033[0m %s\n' "$answer"
+[ "$answer" = y ]
+"""
+
+
+def make_home(root):
+    """A home with two assistants and a project."""
+    tools = root / "home/.local/bin"
+    tools.mkdir(parents=True)
+    for name in ("claude", "codex"):
+        script = tools / name
+        script.write_text(ASSISTANT.replace("NAME", name))
+        script.chmod(0o755)
+    (root / "home/.zshrc").touch()
+    project = root / "harbor notes"
+    project.mkdir()
+    (project / "README.md").write_text("# Harbor notes\n")
+    return project
+
+
+def main(binary, pictures):
+    root = pathlib.Path(tempfile.mkdtemp())
+    project = make_home(root)
+    for variable in ("CONFIG", "DATA", "CACHE"):
+        os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
+    os.environ["HOME"] = str(root / "home")
+    os.environ["PATH"] = "/usr/bin:/bin"
+    shutil.rmtree(pictures, ignore_errors=True)
+
+    program = Program(binary, pictures, ["--workspace", str(project)])
+    try:
+        run_task(program, project)
+        quit_program(program)
+    except BaseException:
+        program.picture("failed")
+        raise
+    finally:
+        program.end()
+        shutil.rmtree(root)
+
+
+def run_task(program, project):
+    for name in ("Claude Code", "Codex"):
+        box = program.find("check box", name)
+        wait_for(f"{name} to be ready and chosen", lambda box=box: checked(box))
+    assert not checked(program.find("check box", "Z.ai")), "a tool without a profile must not look chosen"
+    program.picture("1-opened")
+
+    # Off and on again: the row is a real check box.
+    codex = program.find("check box", "Codex")
+    program.do(codex, "Toggle")
+    wait_for("one selected", lambda: program.all(name="1 selected"))
+    program.do(codex, "Toggle")
+    wait_for("two selected", lambda: program.all(name="2 selected"))
+
+    field = program.find("text", "Task for selected assistants")
+    set_text(field, TASK)
+    wait_for("the task in the field", lambda: text_of(field) == TASK)
+    program.picture("2-task-written")
+    program.press("Run task")
+
+    terminals = wait_for("two terminals", lambda: both(program.all("terminal")))
+    for terminal in terminals:
+        wait_for("the question", lambda terminal=terminal: "Continue? [y/n]" in text_of(terminal))
+    program.picture("3-both-ask")
+    for name in ("claude", "codex"):
+        assert (project / f"{name}.task").read_text() == TASK, f"{name} was given another task"
+    assert not (project / "hacked").exists(), "the task was read as shell syntax"
+
+    for terminal, answer in zip(terminals, "yn"):
+        program.click(terminal)
+        type_text(answer)
+        press_key("Return")
+        wait_for("the answer on the screen", lambda t=terminal, a=answer: f"Answer: {a}" in text_of(t))
+    wait_for("both exits", lambda: program.all(name="Exit 0") and program.all(name="Exit 1"))
+    program.picture("4-both-ended")
+
+    while program.all("terminal"):
+        count = len(program.all("terminal"))
+        program.press("Session menu")
+        program.do(program.find("menu item", "Close pane"))
+        wait_for("one pane less", lambda count=count: len(program.all("terminal")) < count)
+    program.find(name="Start with an idea")
+    program.picture("5-closed")
+
+
+def both(found):
+    return found if len(found) == 2 else None
+
+
+def set_text(field, text):
+    from gi.repository import Atspi
+
+    return Atspi.EditableText.set_text_contents(field, text)
+
+
+def quit_program(program):
+    press_key("ctrl+q")
+    status = wait_for("the end of the program", lambda: program.process.poll() is not None and [program.process.poll()])
+    assert status == [0], f"exit status {status}"
+    assert program.standard_error() == "", "said on standard error:\n" + program.standard_error()
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
