@@ -67,6 +67,7 @@ void OrvoButton::setKind(Kind kind) {
 }
 
 void OrvoButton::setMenu(QMenu* menu) {
+    m_menu = menu;
     connect(this, &QAbstractButton::clicked, menu, [this, menu] {
         const QPoint corner = mapToGlobal(QPoint(0, height() + 4));
         menu->popup(corner);

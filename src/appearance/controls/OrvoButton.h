@@ -2,7 +2,8 @@
 
 #include "appearance/controls/Pressable.h"
 
-class QMenu;
+#include <QMenu>
+#include <QPointer>
 
 namespace orvo {
 
@@ -36,6 +37,7 @@ public:
     void setKind(Kind kind);
     /// Pops up below the button when it is pressed. The button does not own the menu.
     void setMenu(QMenu* menu);
+    QMenu* menu() const { return m_menu; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -52,6 +54,7 @@ private:
     QColor iconInkNow() const;
 
     QString m_icon;
+    QPointer<QMenu> m_menu;
     Kind m_kind;
     Size m_size;
     IconSide m_iconSide = IconSide::Leading;

@@ -4,6 +4,7 @@
 #include "appearance/controls/HeaderPill.h"
 #include "appearance/controls/NavRow.h"
 #include "appearance/controls/Notice.h"
+#include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/Paragraph.h"
 #include "appearance/controls/SegmentedControl.h"
 #include "appearance/controls/SessionTab.h"
@@ -16,22 +17,15 @@
 namespace orvo {
 namespace {
 
-/// An entry that can be pressed and of which one is current: a tab, a place in the sidebar.
-class ChoiceInterface final : public QAccessibleWidget {
+/// Whatever is pressed and shows its title.
+class PressableInterface : public QAccessibleWidget {
 public:
-    ChoiceInterface(Pressable* control, QAccessible::Role role, bool (*isCurrent)(const QWidget*))
-        : QAccessibleWidget(control, role, control->title()), m_isCurrent(isCurrent) {}
+    PressableInterface(Pressable* control, QAccessible::Role role)
+        : QAccessibleWidget(control, role, control->title()) {}
 
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Name && widget()->accessibleName().isEmpty()) return control()->title();
         return QAccessibleWidget::text(kind);
-    }
-
-    QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        state.selectable = true;
-        state.selected = m_isCurrent(widget());
-        return state;
     }
 
     QStringList actionNames() const override {
@@ -48,8 +42,47 @@ public:
 
 private:
     Pressable* control() const { return static_cast<Pressable*>(widget()); }
+};
 
+/// An entry of which one is current: a tab, a place in the sidebar.
+class ChoiceInterface final : public PressableInterface {
+public:
+    ChoiceInterface(Pressable* control, QAccessible::Role role, bool (*isCurrent)(const QWidget*))
+        : PressableInterface(control, role), m_isCurrent(isCurrent) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.selectable = true;
+        state.selected = m_isCurrent(widget());
+        return state;
+    }
+
+private:
     bool (*m_isCurrent)(const QWidget*);
+};
+
+/// A button that opens a menu. The menu stands below it in the tree, because Qt lists no popup of its own
+/// accord.
+class MenuButtonInterface final : public PressableInterface {
+public:
+    explicit MenuButtonInterface(OrvoButton* button) : PressableInterface(button, QAccessible::Button) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.hasPopup = true;
+        return state;
+    }
+
+    int childCount() const override { return menu() ? 1 : 0; }
+    QAccessibleInterface* child(int index) const override {
+        return index == 0 && menu() ? QAccessible::queryAccessibleInterface(menu()) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        return child && menu() && child->object() == menu() ? 0 : -1;
+    }
+
+private:
+    QMenu* menu() const { return static_cast<OrvoButton*>(widget())->menu(); }
 };
 
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
@@ -62,6 +95,9 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new ChoiceInterface(tab, QAccessible::PageTab, [](const QWidget* w) {
             return static_cast<const SessionTab*>(w)->isCurrent();
         });
+    }
+    if (auto* button = qobject_cast<OrvoButton*>(object); button && button->menu()) {
+        return new MenuButtonInterface(button);
     }
     if (qobject_cast<Paragraph*>(object) || qobject_cast<StatusPill*>(object) ||
         qobject_cast<HeaderPill*>(object)) {
