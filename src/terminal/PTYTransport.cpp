@@ -16,6 +16,10 @@ namespace {
 constexpr qsizetype pieceSize = 16'384;
 /// What one writing event may write, so that a long paste does not keep the queue from reading.
 constexpr qsizetype writeBudget = 256 << 10;
+/// How often a terminal that nobody has open is looked at again. A child that closed it for good costs one
+/// look a second.
+constexpr std::chrono::milliseconds firstLook{10};
+constexpr std::chrono::milliseconds longestLook{1'000};
 
 }  // namespace
 
@@ -31,6 +35,7 @@ PTYTransport::PTYTransport(Private, std::shared_ptr<SerialQueue> queue, int desc
                            Output output, Completion completion)
     : m_queue(std::move(queue)),
       m_master(descriptor),
+      m_nextLook(firstLook),
       m_receiver(receiver),
       m_output(std::move(output)),
       m_completion(std::move(completion)) {}
@@ -94,14 +99,37 @@ void PTYTransport::readAvailable() {
     }
     QByteArray batch;
     const Outcome outcome = readBatch(batch, limit);
-    if (!batch.isEmpty()) deliver(std::move(batch));
+    if (!batch.isEmpty()) {
+        m_nextLook = firstLook;
+        deliver(std::move(batch));
+    }
     if (outcome == Outcome::BatchFull) {
         // Writes and resizes that wait already go first.
         post([this] { readAvailable(); });
         return;
     }
-    if (outcome == Outcome::Closed || m_status || m_inputFailed) closeDescriptor();
+    if (outcome == Outcome::Closed && !m_status) {
+        waitForOtherSide();
+        return;
+    }
+    if (m_status || m_inputFailed) closeDescriptor();
     finishIfReady();
+}
+
+/// Nobody has the other side open, but the child lives on. Closing ours now would hang it up and so falsify
+/// its exit status, and it may open its terminal again; so we look again now and then until it has ended.
+void PTYTransport::waitForOtherSide() {
+    m_reader->suspend();
+    if (std::exchange(m_lookQueued, true)) return;
+    m_queue->after(m_nextLook, [weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (!self) return;
+        self->m_lookQueued = false;
+        if (self->m_master < 0) return;
+        self->m_reader->resume();
+        self->readAvailable();
+    });
+    m_nextLook = std::min(2 * m_nextLook, longestLook);
 }
 
 void PTYTransport::deliver(QByteArray batch) {

@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -79,6 +80,7 @@ private:
     void forgetWrittenReplies();
     void discardInput();
     void inputFailed();
+    void waitForOtherSide();
     void closeDescriptor();
     void finishIfReady();
     void post(std::function<void()> work);
@@ -102,6 +104,9 @@ private:
     std::deque<Reply> m_replies;
     qsizetype m_unread = 0;
     int m_unreadBatches = 0;
+    /// Nobody has the other side open; a look whether somebody opened it again is due after this time.
+    std::chrono::milliseconds m_nextLook;
+    bool m_lookQueued = false;
     std::optional<int> m_status;
     bool m_finished = false;
     QObject* m_receiver;

@@ -58,6 +58,9 @@ struct EndCase {
 TEST(TerminalSession, ItEndsOnceWithTheChildsCodeAndItsLastOutputOnTheScreen) {
     for (const EndCase& end :
          {EndCase{"print -n said; exit 0", "/", 0, "said"},
+          // It lets go of its terminal before it ends, as many programs do, and must not be hung up for it.
+          {"print -n said; exec sh -c 'exec <&- >&- 2>&-; sleep 0.2; exit 5'", "/", 5, "said"},
+          {"exec sh -c 'exec <&- >&- 2>&-; sleep 0.2; exec >/dev/tty; printf back'", "/", 0, "back"},
           {"exit 7", "/", 7, ""},
           {"kill -TERM $$", "/", 143, ""},
           {"kill -KILL $$", "/", 137, ""},
