@@ -133,7 +133,7 @@ Result<void> Applier::backUp(const FileChange& change, HeldFolders& backup) {
     const auto digits = copyContent(original->number(), copy.number());
     if (!digits) return pathFailure(change.path, digits.error());
     // What is kept must be what was checked.
-    if (*digits != *change.before) return projectConflict(change.path);
+    if (*digits != change.before) return projectConflict(change.path);
     copyAttributes(original->number(), copy.number());
     if (fchmod(copy.number(), status.st_mode & 07777) != 0) return pathFailure(change.path, errno);
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};

@@ -25,7 +25,7 @@ namespace {
 
 constexpr char suffix[] = ".journal";
 // 5,000 changes with long paths; a file beyond it is none of ours.
-constexpr qsizetype maximumBytes = 64 * 1024 * 1024;
+constexpr qsizetype maximumBytes = 64 << 20;
 
 QByteArray encode(const ApplyPlan& plan) {
     QJsonArray changes;

@@ -15,7 +15,7 @@
 namespace orvo::RunFiles {
 namespace {
 
-constexpr size_t bufferSize = 64 * 1024;
+constexpr size_t bufferSize = 64 << 10;
 // Files that one worker takes together: they often share a folder.
 constexpr size_t batchFiles = 32;
 

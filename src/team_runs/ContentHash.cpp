@@ -12,7 +12,7 @@
 namespace orvo::RunFiles {
 namespace {
 
-constexpr size_t bufferSize = 128 * 1024;
+constexpr size_t bufferSize = 128 << 10;
 
 const EVP_MD* algorithm() {
     // Fetched once: looking it up costs more than hashing a small file.

@@ -19,11 +19,11 @@ namespace orvo::RunFiles {
 namespace {
 
 // Fits the second-level cache, so that what is read is still there when it is written the last time.
-constexpr size_t bufferSize = 256 * 1024;
+constexpr size_t bufferSize = 256 << 10;
 // One step of a copy inside the kernel; between two the token is looked at.
-constexpr size_t kernelStep = 8 * 1024 * 1024;
+constexpr size_t kernelStep = 8 << 20;
 constexpr size_t batchFiles = 16;
-constexpr qint64 batchBytes = 4 * 1024 * 1024;
+constexpr qint64 batchBytes = 4 << 20;
 constexpr auto reportInterval = std::chrono::milliseconds(50);
 
 bool unsupportedClone(int code) {

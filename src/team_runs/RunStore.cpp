@@ -12,7 +12,7 @@ namespace orvo::RunStore {
 namespace {
 
 // Far above any record of ours (a prompt and eight copies), far below what would be felt.
-constexpr qsizetype maximumRecordBytes = 16 * 1024 * 1024;
+constexpr qsizetype maximumRecordBytes = 16 << 20;
 
 FilePath recordFile(const FilePath& root) {
     return root.child("run.json");
@@ -32,10 +32,13 @@ std::optional<QList<TeamRun>> load(const FilePath& runsFolder) {
     if (!names) return std::nullopt;
     QList<TeamRun> runs;
     for (const QByteArray& name : *names) {
-        if (auto run = loadRun(runsFolder.child(name))) runs.append(*std::move(run));
+        if (const auto run = loadRun(runsFolder.child(name))) insertByAge(runs, *run);
     }
-    std::ranges::stable_sort(runs, std::ranges::greater(), &TeamRun::created);
     return runs;
+}
+
+void insertByAge(QList<TeamRun>& runs, const TeamRun& run) {
+    runs.insert(std::ranges::upper_bound(runs, run.created, std::ranges::greater(), &TeamRun::created), run);
 }
 
 std::optional<TeamRun> loadRun(const FilePath& root) {

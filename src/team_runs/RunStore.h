@@ -10,11 +10,14 @@ namespace RunStore {
 
 /// Bounds of one recorded output, counted from the text's end.
 inline constexpr qsizetype maximumOutputCharacters = 60'000;
-inline constexpr qsizetype maximumOutputBytes = 1024 * 1024;
+inline constexpr qsizetype maximumOutputBytes = 1 << 20;
 
 /// The records in the folders of `runsFolder`, newest first. One that cannot be read or decoded hides only
 /// itself. Nothing when the folder cannot be listed, for example because there was no run yet.
 std::optional<QList<TeamRun>> load(const FilePath& runsFolder);
+
+/// Puts a run where it belongs in a list that is newest first; after those of the same moment.
+void insertByAge(QList<TeamRun>& runs, const TeamRun& run);
 
 /// The record in one run folder.
 std::optional<TeamRun> loadRun(const FilePath& root);

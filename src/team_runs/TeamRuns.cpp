@@ -339,12 +339,11 @@ void TeamRuns::merge(const QList<TeamRun>& stored) {
     // Records of this process may be ahead of what was read, or may have failed to be saved.
     QList<TeamRun> merged;
     for (const TeamRun& run : m_teamRuns) {
-        if (m_ownRuns.contains(run.id)) merged.append(run);
+        if (m_ownRuns.contains(run.id)) RunStore::insertByAge(merged, run);
     }
     for (const TeamRun& run : stored) {
-        if (!m_ownRuns.contains(run.id)) merged.append(run);
+        if (!m_ownRuns.contains(run.id)) RunStore::insertByAge(merged, run);
     }
-    std::ranges::stable_sort(merged, std::ranges::greater(), &TeamRun::created);
     if (assign(m_teamRuns, merged)) Q_EMIT teamRunsChanged();
     followRuns();
 }

@@ -15,7 +15,7 @@
 namespace orvo::RunFiles {
 namespace {
 
-constexpr size_t bufferSize = 128 * 1024;
+constexpr size_t bufferSize = 128 << 10;
 
 tl::unexpected<int> lastError() {
     return tl::unexpected<int>(errno);
