@@ -1,6 +1,8 @@
 #include "workspace/ui/DeckGeometry.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <ostream>
 
 namespace orvo {
 namespace {
@@ -17,6 +19,11 @@ struct Case {
     int rows;
     bool scrolls;
 };
+
+/// The name of the case in the list of tests.
+void PrintTo(const Case& deck, std::ostream* out) {
+    *out << deck.count << " panes in " << deck.area.width() << " x " << deck.area.height();
+}
 
 class DeckGeometryTest : public testing::TestWithParam<Case> {};
 

@@ -41,6 +41,11 @@ OrvoRoot::OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, QWidg
     observe(m_workspace, {&Workspace::presentConnectorChanged}, this, [this] { refreshConnectorSheet(); });
 }
 
+OrvoRoot::~OrvoRoot() {
+    // An open sheet is dismissed when its window hides, and that would reach what is destroyed here.
+    delete m_connectorSheet;
+}
+
 QWidget* OrvoRoot::makePage(Destination destination) {
     if (destination == Destination::Workspace) return new WorkspaceView(m_workspace, m_theme, m_launcher);
     return makePlaceholderPage(destination);

@@ -22,6 +22,7 @@ class OrvoRoot : public QWidget {
 
 public:
     OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent = nullptr);
+    ~OrvoRoot() override;
 
 private:
     QWidget* makePage(Destination destination);
