@@ -120,7 +120,7 @@ def xdotool(*arguments):
 
 
 def type_text(text):
-    xdotool("type", "--delay", "20", text)
+    xdotool("type", "--delay", "20", "--", text)
 
 
 def press_key(key):
