@@ -81,6 +81,7 @@ void measure(int rows, int columns, std::string_view only, Means& total) {
         means.add(theirs / ours);
         total.add(theirs / ours);
     }
+    if (means.count == 0) return;
     std::printf("%-18s %3d x %-3d %38.1f\n\n", "geometric mean", rows, columns, means.value());
 }
 
@@ -95,6 +96,10 @@ int main(int argc, char** argv) {
     orvo::bench::Means total;
     orvo::bench::measure(24, 80, only, total);
     orvo::bench::measure(50, 200, only, total);
+    if (total.count == 0) {
+        std::fprintf(stderr, "orvo_bench: no payload's name contains \"%s\".\n", argv[1]);
+        return EXIT_FAILURE;
+    }
     std::printf("%-18s %48.1f\n", "geometric mean of all", total.value());
     return EXIT_SUCCESS;
 }

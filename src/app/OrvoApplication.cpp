@@ -120,6 +120,10 @@ void OrvoApplication::quit() {
         m_quitting = false;
         return;
     }
+    endNow();
+}
+
+void OrvoApplication::endNow() {
     stopSessionsAndWait(m_workspace.sessions());
     Q_EMIT ended();
 }

@@ -45,6 +45,8 @@ public:
 
     /// Asks what must be asked, stops all sessions, and says that the run has ended unless the person stays.
     void quit();
+    /// The same without a question, when the system wants the process to end.
+    void endNow();
 
     /// Writes a picture of the window's content as PNG.
     Result<void> captureWindow(const FilePath& file) const;

@@ -1,7 +1,9 @@
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/OrvoApplication.h"
+#include "app/TerminationSignals.h"
 #include "appearance/controls/AlertSheet.h"
+#include "history/HistoryInbox.h"
 #include "platform/AppFolders.h"
 #include "platform/desktop/DesktopLauncher.h"
 #include "platform/desktop/QtDialogs.h"
@@ -11,6 +13,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 
 #include <cstdio>
 
@@ -45,11 +48,14 @@ int showWindow(int argc, char** argv, const Options& options) {
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));
     QCoreApplication::setApplicationVersion(versionText());
     QGuiApplication::setDesktopFileName(QStringLiteral("orvo"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/brand/orvo.svg")));
     // The application ends with its quit sequence, never because some window closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     SystemClock clock;
-    FilePreferences preferences(AppFolders::fromProcess().configuration, FilePreferences::Access::ReadWrite);
+    const FilePath configuration = AppFolders::fromProcess().configuration;
+    FilePreferences preferences(configuration, FilePreferences::Access::ReadWrite);
+    const HistoryInbox historyInbox(configuration.child("history.pending"));
     // Alerts stand over the main window, which is made later than the dialogs it needs.
     MainWindow* window = nullptr;
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
@@ -60,12 +66,15 @@ int showWindow(int argc, char** argv, const Options& options) {
                           .dialogs = dialogs,
                           .launcher = launcher,
                           .sleepInhibitor = sleepInhibitor,
-                          .tools = ToolEnvironment::fromProcess()},
+                          .tools = ToolEnvironment::fromProcess(),
+                          .historyInbox = options.capture ? nullptr : &historyInbox},
                          options);
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },
         Qt::QueuedConnection);
+    TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::received, &orvo, &OrvoApplication::endNow);
     orvo.launch();
     window = orvo.window();
     return QApplication::exec();

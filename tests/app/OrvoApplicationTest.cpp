@@ -1,6 +1,7 @@
 #include "app/OrvoApplication.h"
 
 #include "app/MainWindow.h"
+#include "app/TerminationSignals.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
 
@@ -8,6 +9,8 @@
 #include <QDir>
 #include <QImage>
 #include <QMenuBar>
+
+#include <csignal>
 
 namespace orvo {
 namespace {
@@ -148,6 +151,18 @@ TEST_F(OrvoApplicationTest, aTransientRunQuitsWithoutAQuestion) {
     startTerminal();
     m_application->quit();
     EXPECT_EQ(m_ended, 1);
+    EXPECT_TRUE(m_dialogs.alerts().isEmpty());
+}
+
+TEST_F(OrvoApplicationTest, aSignalOfTheSystemStopsTheSessionsWithoutAQuestion) {
+    launched();
+    startTerminal();
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::received, m_application.get(),
+                     &OrvoApplication::endNow);
+    ASSERT_EQ(raise(SIGTERM), 0);
+    EXPECT_TRUE(test::waitFor([this] { return m_ended == 1; }));
+    EXPECT_TRUE(test::waitFor([this] { return !m_application->workspace().anySessionRunning(); }));
     EXPECT_TRUE(m_dialogs.alerts().isEmpty());
 }
 

@@ -15,6 +15,11 @@ namespace {
 enum Mode { SharedFolder, SeparateCopies };
 
 constexpr int padding = 12;
+/// Air between the mode row and the first line.
+constexpr int aboveText = 7;
+/// Heights of the text; with the air above it the usual one makes 60.
+constexpr int leastText = 53;
+constexpr int mostText = 153;
 
 }  // namespace
 
@@ -25,6 +30,8 @@ Composer::Composer(Workspace& workspace, QWidget* parent) : Card(parent), m_work
     connect(m_task, &TaskEditor::textChanged, this, [this] { m_workspace.setPrompt(m_task->toPlainText()); });
     connect(m_task, &TaskEditor::focusChanged, this,
             [this](bool focused) { setFrame(focused ? CardFrame::Active : CardFrame::Plain); });
+    m_task->setGrowth(leastText, mostText);
+    column->addSpacing(aboveText);
     column->addWidget(m_task);
     column->addWidget(makeActionRow());
 

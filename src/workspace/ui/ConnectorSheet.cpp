@@ -34,7 +34,7 @@ QWidget* ConnectorSheet::makeHeader(const std::optional<Provider>& provider) con
 
 QWidget* ConnectorSheet::makeBody(const std::optional<Provider>& provider) {
     auto* const body = new QWidget;
-    auto* const column = columnIn(body, 12);
+    auto* const column = columnIn(body, 12, QMargins(0, 16, 0, 20));
     column->addWidget(new Paragraph(explanationFor(provider), TypeRole::Body, Ink::Text));
     const auto address = provider ? provider->documentationURL() : std::nullopt;
     if (address) {

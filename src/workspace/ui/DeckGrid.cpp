@@ -33,12 +33,14 @@ void DeckGrid::setPanes(const QList<QWidget*>& panes) {
 }
 
 void DeckGrid::reveal(QWidget* pane) {
+    m_revealed = pane;
     if (m_panes.contains(pane)) ensureWidgetVisible(pane, 0, 0);
 }
 
 void DeckGrid::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     arrange();
+    reveal(m_revealed);
 }
 
 void DeckGrid::arrange() {

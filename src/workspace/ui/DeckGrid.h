@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPointer>
 #include <QScrollArea>
 
 namespace orvo {
@@ -15,7 +16,7 @@ public:
 
     /// Shows these panes in this order and hides every other one; each keeps its own state.
     void setPanes(const QList<QWidget*>& panes);
-    /// Scrolls so that a shown pane is in view.
+    /// Scrolls so that a shown pane is in view, and keeps it there when the deck gets another size.
     void reveal(QWidget* pane);
 
 protected:
@@ -26,6 +27,7 @@ private:
 
     QWidget* m_content;
     QList<QWidget*> m_panes;
+    QPointer<QWidget> m_revealed;
 };
 
 }  // namespace orvo

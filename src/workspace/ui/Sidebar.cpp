@@ -44,7 +44,7 @@ Sidebar::Sidebar(Workspace& workspace, QWidget* parent) : QWidget(parent), m_wor
     connect(open, &OrvoButton::clicked, this, [this] { m_workspace.chooseFolder(); });
     top->addWidget(wide(open));
     column->addLayout(top);
-    column->addStretch();
+    column->addStretch(1);
     column->addWidget(makeFooter());
 
     observe(m_workspace, {&Workspace::destinationChanged, &Workspace::sessionsChanged}, this,

@@ -55,7 +55,7 @@ WelcomeView::WelcomeView(Workspace& workspace, Launcher& launcher, QWidget* pare
     column->addWidget(makeIdeas());
     column->addSpacing(24);
     column->addWidget(makeTools());
-    column->addStretch();
+    column->addStretch(1);
 
     observe(m_workspace.assistants(), {&Assistants::providersChanged}, this, [this] { refreshTools(); });
 }

@@ -46,7 +46,7 @@ WorkspaceInspector::WorkspaceInspector(Workspace& workspace, QWidget* parent)
         if (column->count() > 0) column->addWidget(inset(new Divider));
         column->addWidget(section);
     }
-    column->addStretch();
+    column->addStretch(1);
 
     columnIn(this, 0, QMargins(1, 0, 0, 0))->addWidget(scrolling(content));
 

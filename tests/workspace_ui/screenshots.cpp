@@ -1,0 +1,200 @@
+// Writes pictures of the main window's screens in every palette and size: orvo_screenshots FOLDER [SCALE]
+//
+// The models are real, the assistants are not: sessions print a fixed text and wait. SCALE is 1 or 2; without
+// it both are made, each in a process of its own, because Qt takes the scale once.
+
+#include "app/MainWindow.h"
+#include "app/Menu.h"
+#include "app/OrvoApplication.h"
+#include "platform/fake/FakeClock.h"
+#include "platform/fake/FakeDialogs.h"
+#include "platform/fake/FakeLauncher.h"
+#include "platform/fake/FakePreferences.h"
+#include "platform/fake/FakeSleepInhibitor.h"
+#include "support/QtTestMain.h"
+#include "support/WaitFor.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cstdio>
+
+using namespace orvo;
+
+namespace {
+
+constexpr std::array sizes = {QSize(1180, 740), QSize(1440, 900), QSize(2560, 1440)};
+constexpr std::array installedTools = {"claude", "codex", "kimi"};
+
+struct Transcript {
+    const char* provider;
+    const char* title;
+    const char* output;
+};
+
+constexpr std::array transcripts = {
+    Transcript{
+        "claude", "Claude Code session",
+        "\\033[1mI will start with how notes are stored.\\033[0m\\n\\n\\033[32m*\\033[0m "
+        "\\033[1mRead\\033[0m "
+        "src/store/notes.ts \\033[90m214 lines\\033[0m\\n\\033[32m*\\033[0m \\033[1mEdit\\033[0m "
+        "src/store/search.ts \\033[32m+48\\033[0m \\033[31m-3\\033[0m\\n\\n\\033[35mWiring the list to the "
+        "index\\033[0m \\033[90m38s\\033[0m\\n"},
+    Transcript{
+        "codex", "Add offline search to the notes list. Keep the cu",
+        "\\033[1;34mplan\\033[0m\\n \\033[32mv\\033[0m Inspect the store and its tests\\n \\033[32mv\\033[0m "
+        "Build an inverted index on load\\n \\033[34m>\\033[0m \\033[1mUpdate the index on each "
+        "edit\\033[0m\\n\\n\\033[1;34mexec\\033[0m npm test -- search\\n \\033[32mPASS\\033[0m "
+        "tests/search.test.ts \\033[90m(14)\\033[0m\\n \\033[31mFAIL\\033[0m tests/edit.test.ts\\n"},
+    Transcript{
+        "kimi", "Add offline search to the notes list. Keep the cu",
+        "\\033[1;35mKimi\\033[0m \\033[90mthinking for 21s\\033[0m\\nThe list already debounces input.\\n\\n"
+        "\\033[32mdone\\033[0m  src/lib/index.ts\\n\\033[32mdone\\033[0m  tests/index.test.ts\\n"},
+    Transcript{"shell", "Terminal session",
+               "\\033[90m%%\\033[0m git status --short\\n\\033[32mA\\033[0m  src/store/search.ts\\n "
+               "\\033[31mM\\033[0m "
+               "src/ui/NoteList.tsx\\n"},
+};
+
+class Studio {
+public:
+    Studio(QDir out, const ThemePreset& preset) : m_out(std::move(out)), m_preset(preset) {
+        QDir home(m_folder.path());
+        home.mkpath(QStringLiteral(".local/bin"));
+        for (const char* name : installedTools) {
+            QFile program(home.filePath(QStringLiteral(".local/bin/") + QLatin1String(name)));
+            if (program.open(QIODevice::WriteOnly)) {
+                program.write(
+                    "#!/bin/sh\necho '{\"loggedIn\": true}'; [ \"$1\" = auth ] || echo Logged in\n");
+            }
+            program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        }
+        QStringList recent;
+        for (const char* name : {"harbor-notes", "tide-tables", "lumen-site", "paperboat", "driftwood"}) {
+            home.mkpath(QLatin1String(name));
+            recent.append(home.filePath(QLatin1String(name)));
+        }
+        m_preferences.preset(preference::recentFolders.name, recent);
+        m_preferences.preset(preference::workspace.name, recent.first());
+        m_preferences.preset(preference::pelkAccentApplied.name, true);
+        m_preferences.preset(preference::preset.name, preset.id);
+        m_preferences.preset(preference::background.name, preset.background);
+        m_preferences.preset(preference::accent.name, preset.accent);
+        m_application = std::make_unique<OrvoApplication>(
+            WorkspaceServices{.preferences = &m_preferences,
+                              .clock = m_clock,
+                              .dialogs = m_dialogs,
+                              .launcher = m_launcher,
+                              .sleepInhibitor = m_sleepInhibitor,
+                              .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
+            Options{});
+        m_application->launch();
+        (void)test::waitFor([this] { return !workspace().assistants().checkingConnections(); });
+    }
+    ~Studio() { stopSessionsAndWait(workspace().sessions()); }
+
+    void takeAll() {
+        take("welcome");
+        workspace().notify(QStringLiteral("Workspace opened: harbor-notes"));
+        take("welcome-notice");
+        m_clock.advance(std::chrono::seconds(4));
+        workspace().editConnector(workspace().assistants().provider(QStringLiteral("antigravity")));
+        take("connector-sheet");
+        workspace().dismissConnector();
+        for (const Destination page : allDestinations) {
+            if (page == Destination::Workspace) continue;
+            workspace().setDestination(page);
+            take(textOf(page)
+                     .toLower()
+                     .replace(QStringLiteral(" & "), QStringLiteral("-"))
+                     .replace(u' ', u'-')
+                     .toUtf8());
+        }
+        workspace().setDestination(Destination::Workspace);
+        for (const std::size_t count : {1u, 2u, 4u, 12u}) {
+            while (workspace().sessions().size() < count)
+                startSession(workspace().sessions().size());
+            take("deck-" + QByteArray::number(count));
+        }
+        workspace().setFocusMode(true);
+        workspace().setPrompt(
+            QStringLiteral("Add offline search to the notes list. Keep the current layout, cover it with "
+                           "tests,\nand tell me how to try it."));
+        take("deck-focus");
+    }
+
+private:
+    Workspace& workspace() { return m_application->workspace(); }
+
+    void startSession(std::size_t index) {
+        const Transcript& text = transcripts.at(index % transcripts.size());
+        const auto session = workspace().startSession(
+            QString::fromLatin1(text.provider), QString::fromLatin1(text.title),
+            QStringLiteral("printf '%1'; exec sleep 600").arg(QString::fromLatin1(text.output)),
+            *workspace().folder());
+        if (!test::waitFor([&] { return session->revision() > 0; }))
+            std::fputs("a session printed nothing\n", stderr);
+    }
+
+    void take(const QByteArray& state) {
+        for (const QSize size : sizes) {
+            MainWindow& window = *m_application->window();
+            window.resize(size);
+            settle();
+            const QString folder = QStringLiteral("%1/%2x%3@%4")
+                                       .arg(m_preset.id)
+                                       .arg(size.width())
+                                       .arg(size.height())
+                                       .arg(window.devicePixelRatio());
+            m_out.mkpath(folder);
+            if (!window.grab().save(
+                    m_out.filePath(folder + u'/' + QString::fromUtf8(state) + QStringLiteral(".png")))) {
+                std::fprintf(stderr, "cannot write below %s\n", qUtf8Printable(m_out.path()));
+            }
+        }
+    }
+
+    /// Lets animations, layouts and the frames of terminals come to rest.
+    static void settle() {
+        const QDeadlineTimer rest(400);
+        while (!rest.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+
+    const QDir m_out;
+    const ThemePreset m_preset;
+    QTemporaryDir m_folder;
+    FakePreferences m_preferences;
+    FakeClock m_clock;
+    FakeDialogs m_dialogs;
+    FakeLauncher m_launcher;
+    FakeSleepInhibitor m_sleepInhibitor;
+    std::unique_ptr<OrvoApplication> m_application;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fputs("usage: orvo_screenshots FOLDER [SCALE]\n", stderr);
+        return 2;
+    }
+    test::isolateEnvironment();
+    if (argc == 2) {
+        QCoreApplication application(argc, argv);
+        int failures = 0;
+        for (const char* scale : {"1", "2"}) {
+            const QStringList arguments = {QString::fromLocal8Bit(argv[1]), QLatin1String(scale)};
+            if (QProcess::execute(QCoreApplication::applicationFilePath(), arguments) != 0) ++failures;
+        }
+        return failures;
+    }
+    qputenv("QT_SCALE_FACTOR", argv[2]);
+    QApplication application(argc, argv);
+    for (const ThemePreset& preset : ThemePreset::all())
+        Studio(QDir(QString::fromLocal8Bit(argv[1])), preset).takeAll();
+    return 0;
+}
