@@ -1,6 +1,6 @@
 #include "orvoctl/SharedRun.h"
 
-#include "workspace/characters.h"
+#include "platform/textEnds.h"
 
 #include <algorithm>
 

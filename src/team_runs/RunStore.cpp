@@ -3,7 +3,7 @@
 #include "platform/listFolder.h"
 #include "platform/readFile.h"
 #include "platform/saveAtomically.h"
-#include "team_runs/textEnds.h"
+#include "platform/textEnds.h"
 
 #include <algorithm>
 #include <cstdio>

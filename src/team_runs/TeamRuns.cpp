@@ -3,11 +3,11 @@
 #include "platform/Clock.h"
 #include "platform/observe.h"
 #include "platform/runInBackground.h"
+#include "platform/textEnds.h"
 #include "team_runs/RunFolder.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/TeamRunHost.h"
 #include "team_runs/comparison.h"
-#include "team_runs/textEnds.h"
 #include "terminal/TerminalSession.h"
 
 #include <QPointer>

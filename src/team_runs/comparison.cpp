@@ -1,7 +1,7 @@
 #include "team_runs/comparison.h"
 
 #include "assistants/Provider.h"
-#include "team_runs/textEnds.h"
+#include "platform/textEnds.h"
 
 #include <QStringList>
 

@@ -3,7 +3,7 @@
 #include "workspace/Workspace.h"
 
 #include "platform/observe.h"
-#include "workspace/characters.h"
+#include "platform/textEnds.h"
 #include "workspace/taskRefusal.h"
 
 namespace orvo {

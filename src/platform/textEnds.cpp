@@ -1,4 +1,4 @@
-#include "team_runs/textEnds.h"
+#include "platform/textEnds.h"
 
 #include <QTextBoundaryFinder>
 

@@ -1,4 +1,4 @@
-#include "workspace/characters.h"
+#include "platform/textEnds.h"
 
 #include <gtest/gtest.h>
 
