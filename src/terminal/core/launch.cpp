@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -90,11 +91,14 @@ struct ChildPlan {
     int slave;
 };
 
+/// Asks the kernel itself: the C library keeps signals 32 and 33 for its threads and refuses to change them,
+/// yet one that was ignored where this process was started would be ignored in the child, too.
 void restoreSignals() {
-    struct sigaction action = {};
-    action.sa_handler = SIG_DFL;
+    // All zero is SIG_DFL without flags and mask, whatever the order of the kernel's fields.
+    constexpr std::array<unsigned long, 8> defaultAction = {};
+    constexpr std::size_t kernelMaskSize = 8;
     for (int signal = 1; signal < NSIG; ++signal) {
-        sigaction(signal, &action, nullptr);
+        syscall(SYS_rt_sigaction, signal, defaultAction.data(), nullptr, kernelMaskSize);
     }
     sigset_t none;
     sigemptyset(&none);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -156,6 +157,10 @@ TEST_F(Launch, TheChildHasTheThreeStandardDescriptorsOnly) {
 TEST_F(Launch, TheChildHasDefaultSignalsAndAnEmptyMask) {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGINT, SIG_IGN);
+    // Some starters of programs leave the two signals ignored that the C library keeps for itself.
+    const std::array<unsigned long, 4> ignored = {1};  // SIG_IGN, as the kernel lays it out
+    std::array<unsigned long, 4> libraryAction = {};
+    syscall(SYS_rt_sigaction, 32, ignored.data(), libraryAction.data(), 8);
     sigset_t blocked;
     sigset_t before;
     sigemptyset(&blocked);
@@ -170,6 +175,7 @@ TEST_F(Launch, TheChildHasDefaultSignalsAndAnEmptyMask) {
     EXPECT_EQ(sigismember(&after, SIGUSR2), 0);
     std::signal(SIGPIPE, SIG_DFL);
     std::signal(SIGINT, SIG_DFL);
+    syscall(SYS_rt_sigaction, 32, libraryAction.data(), nullptr, 8);
 }
 
 TEST_F(Launch, WithoutFreeDescriptorsItFailsWithTheReason) {
