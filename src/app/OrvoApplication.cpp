@@ -143,6 +143,7 @@ Result<void> OrvoApplication::captureWindow(const FilePath& file) const {
 }
 
 void OrvoApplication::capturePages() {
+    if (!m_options.capture) return;
     QDir().mkpath(QFile::decodeName(m_options.capture->bytes()));
     m_services.clock.after(captureDelay, this, [this] { capturePage(0); });
 }

@@ -12,7 +12,7 @@ namespace orvo {
 class HistoryInbox {
 public:
     /// Bytes after which older entries make room: some dozen entries of the largest size.
-    static constexpr qsizetype defaultCapacity = 64 * 1024 * 1024;
+    static constexpr qsizetype defaultCapacity = qsizetype{64} * 1024 * 1024;
 
     /// `file` need not exist.
     explicit HistoryInbox(FilePath file, qsizetype capacity = defaultCapacity)

@@ -8,8 +8,8 @@
 
 namespace orvo::test {
 
-/// Runs the event loop until `condition` holds or `limit` has passed; the answer is the condition's last value.
-/// The limit is generous, because the machines that run the tests are slow at times.
+/// Runs the event loop until `condition` holds or `limit` has passed; the answer is the condition's last
+/// value. The limit is generous, because the machines that run the tests are slow at times.
 template <class Condition>
 [[nodiscard]] bool waitFor(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     const QDeadlineTimer deadline(limit);

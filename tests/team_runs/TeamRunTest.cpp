@@ -1,6 +1,6 @@
+#include "platform/textEnds.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/Tree.h"
-#include "platform/textEnds.h"
 
 #include <gtest/gtest.h>
 
