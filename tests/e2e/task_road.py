@@ -14,6 +14,8 @@ TASK = "Say \"hello\" to 'everyone';\n$(touch hacked) `touch hacked`\nand stop."
 
 ASSISTANT = r"""#!/bin/sh
 # An assistant as far as the workspace can see: colour, a question, an answer, the task as it was given.
+# Asked whether it is signed in, it only answers: that happens in whatever folder the workspace was started.
+case "$*" in 'login status' | 'auth status') echo 'Not signed in'; exit 1 ;; esac
 printf '\033[1;36m%s\033[0m is working in \033[33m%s\033[0m\n' NAME "${PWD##*/}"
 for word; do task=$word; done
 printf '%s' "$task" > "NAME.task"
