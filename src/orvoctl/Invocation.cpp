@@ -1,6 +1,7 @@
 #include "orvoctl/Invocation.h"
 
 #include "orvoctl/Console.h"
+#include "orvoctl/arguments.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
@@ -144,16 +145,7 @@ std::optional<int> Invocation::number(const char* option, int minimum, int maxim
 }
 
 FilePath Invocation::path(const QString& argument) {
-    QByteArray bytes = argument.toUtf8();
-    // The arguments as texts have lost what is not UTF-8; the process still has their bytes.
-    QFile commandLine(QStringLiteral("/proc/self/cmdline"));
-    if (commandLine.open(QIODevice::ReadOnly)) {
-        for (const QByteArray& raw : commandLine.readAll().split('\0')) {
-            const QByteArray whole =
-                QString::fromLocal8Bit(raw) == argument ? raw : raw.mid(raw.indexOf('=') + 1);
-            if (QString::fromLocal8Bit(whole) == argument) bytes = whole;
-        }
-    }
+    const QByteArray bytes = bytesOfArgument(argument);
     if (bytes.startsWith('/')) return FilePath(bytes);
     std::array<char, 4096> current{};
     if (!getcwd(current.data(), current.size())) return FilePath(bytes);

@@ -2,6 +2,7 @@
 
 #include "orvoctl/Console.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,24 +11,30 @@
 namespace orvo::ctl {
 namespace {
 
-// Keeps a line with its state well below 80 columns: a wrapped line could not be rewritten in place.
+// Leaves room for the state and some output beside it.
 constexpr qsizetype maximumNameWidth = 40;
+
+qsizetype terminalColumns() {
+    constexpr qsizetype usual = 80;
+    winsize size{};
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return usual;
+    return size.ws_col;
+}
 
 }  // namespace
 
 LiveStates::LiveStates(const QStringList& names) : m_inPlace(isatty(STDERR_FILENO) == 1) {
     for (const QString& name : names) {
-        m_lines.append({.name = oneLine(name).left(maximumNameWidth), .state = QString()});
+        m_lines.append({.name = oneLine(name).left(maximumNameWidth), .state = {}});
         m_nameWidth = std::max(m_nameWidth, m_lines.last().name.size());
     }
 }
 
-void LiveStates::show(qsizetype line, const QString& state, int running) {
+void LiveStates::show(qsizetype line, const State& state) {
     Line& shown = m_lines[line];
-    const bool changed = shown.state != state;
-    if (!changed && shown.running == running) return;
+    if (shown.state == state) return;
+    const bool changed = shown.state.text != state.text;
     shown.state = state;
-    shown.running = running;
     if (m_inPlace) {
         draw();
     } else if (changed) {
@@ -36,8 +43,14 @@ void LiveStates::show(qsizetype line, const QString& state, int running) {
 }
 
 QString LiveStates::text(const Line& line) const {
-    const QString text = line.name.leftJustified(m_nameWidth + 2) + line.state;
-    return m_inPlace && line.running >= 0 ? text + QStringLiteral("  %1 s").arg(line.running) : text;
+    QString text = line.name.leftJustified(m_nameWidth + 2) + line.state.text;
+    if (!m_inPlace) return text;
+    if (line.state.seconds) text += QStringLiteral("  %1 s").arg(*line.state.seconds);
+    if (!line.state.output.isEmpty()) text += QStringLiteral("  ") + oneLine(line.state.output);
+    // A wrapped line could not be rewritten in place; a wide character takes two columns, so half is sure.
+    const qsizetype columns = terminalColumns() - 1;
+    const bool isWide = std::ranges::any_of(text, [](QChar c) { return c.unicode() >= 0x1100; });
+    return text.left(isWide ? columns / 2 : columns);
 }
 
 void LiveStates::draw() {

@@ -13,4 +13,8 @@ StoredState::StoredState()
     m_assistants.refreshProviders();
 }
 
+bool StoredState::keepAwake() const {
+    return m_preferences.value(preference::keepAwake).value_or(false);
+}
+
 }  // namespace orvo::ctl

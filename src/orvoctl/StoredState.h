@@ -4,6 +4,7 @@
 #include "history/HistoryInbox.h"
 #include "history/HistoryStore.h"
 #include "platform/linux/FilePreferences.h"
+#include "platform/linux/LogindSleepInhibitor.h"
 
 namespace orvo::ctl {
 
@@ -17,10 +18,14 @@ public:
     const Assistants& assistants() const { return m_assistants; }
     HistoryStore& history() { return m_history; }
     const HistoryStore& history() const { return m_history; }
+    SleepInhibitor& sleepInhibitor() { return m_sleepInhibitor; }
+    /// Whether the machine shall stay awake while assistants work.
+    bool keepAwake() const;
 
 private:
     FilePreferences m_preferences;
     HistoryInbox m_inbox;
+    LogindSleepInhibitor m_sleepInhibitor;
     Assistants m_assistants;
     HistoryStore m_history;
 };

@@ -5,8 +5,10 @@
 namespace orvo::ctl {
 
 std::span<const Verb* const> allVerbs() {
-    static constexpr std::array verbs = {&runVerb,    &providersVerb,     &historyVerb,
-                                         &screenVerb, &templateCheckVerb, &templateCommandVerb};
+    static constexpr std::array verbs = {
+        &runVerb,       &runsVerb,    &reviewVerb, &outputVerb,    &applyVerb,         &compareVerb,
+        &providersVerb, &historyVerb, &screenVerb, &planCheckVerb, &templateCheckVerb, &templateCommandVerb,
+        &snapshotVerb,  &copiesVerb,  &changesVerb};
     return verbs;
 }
 

@@ -35,10 +35,19 @@ struct Verb {
     ExitStatus (*run)(const Invocation& invocation);
 };
 
+extern const Verb applyVerb;
+extern const Verb changesVerb;
+extern const Verb compareVerb;
+extern const Verb copiesVerb;
 extern const Verb historyVerb;
+extern const Verb outputVerb;
+extern const Verb planCheckVerb;
 extern const Verb providersVerb;
+extern const Verb reviewVerb;
 extern const Verb runVerb;
+extern const Verb runsVerb;
 extern const Verb screenVerb;
+extern const Verb snapshotVerb;
 extern const Verb templateCheckVerb;
 extern const Verb templateCommandVerb;
 

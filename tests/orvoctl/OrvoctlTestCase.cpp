@@ -2,6 +2,8 @@
 
 #include <QDir>
 
+#include <filesystem>
+
 namespace orvo::test {
 
 QJsonDocument OrvoctlTestCase::Outcome::json() const {
@@ -21,6 +23,12 @@ OrvoctlTestCase::OrvoctlTestCase() {
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), path("run"));
     environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+}
+
+// Qt's own removal leaves names that are not UTF-8.
+OrvoctlTestCase::~OrvoctlTestCase() {
+    std::error_code ignored;
+    std::filesystem::remove_all(root.path().toStdString(), ignored);
 }
 
 void OrvoctlTestCase::install(const char* script, const char* name) {

@@ -23,6 +23,7 @@ protected:
     };
 
     OrvoctlTestCase();
+    ~OrvoctlTestCase() override;
 
     /// Installs a fake assistant of tests/data/bin under its own or another name.
     void install(const char* script, const char* name = nullptr);

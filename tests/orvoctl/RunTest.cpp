@@ -128,14 +128,6 @@ TEST_F(Run, WhatCannotRunIsRefusedBeforeAnythingStarts) {
               QStringLiteral("Select at least one installed assistant."));
 }
 
-TEST_F(Run, SeparateCopiesAreSaidToBeMissing) {
-    install("claude");
-    const Outcome outcome = orvoctl({QStringLiteral("run"), QStringLiteral("task")});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_TRUE(outcome.error.contains("--shared")) << outcome.error.constData();
-    EXPECT_EQ(outcome.output, "");
-}
-
 TEST_F(Run, TheTimeLimitStopsWhatStillRuns) {
     install("claude");
     install("wait-forever");

@@ -1,36 +1,34 @@
 #pragma once
 
-#include "assistants/Provider.h"
 #include "orvoctl/LiveStates.h"
 #include "terminal/TerminalSession.h"
 
 #include <QEventLoop>
 #include <QObject>
-#include <QTimer>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <vector>
 
 namespace orvo::ctl {
 
-/// One task on several assistants at once, each with its batch command in a session of its own, all in the
-/// project folder itself. Nothing is ever typed into the sessions.
-class SharedRun : public QObject {
+/// Waits for sessions to end, and shows meanwhile how each of them stands.
+class WatchedSessions : public QObject {
     Q_OBJECT
 
 public:
     enum class Outcome { Ended, TimedOut, Interrupted };
 
-    SharedRun(const QString& task, const QList<Provider>& providers, const FilePath& project);
+    /// `names` are those of the assistants, in the order of the sessions.
+    WatchedSessions(const QStringList& names, std::vector<std::shared_ptr<TerminalSession>> sessions);
 
-    /// Starts all and waits until all have ended. When `limit` (zero for none) has passed or `interrupt` was
-    /// called, those that still run are stopped first. `recorded` is called with each session as it ends.
-    Outcome run(std::chrono::milliseconds limit, const std::function<void(const TerminalSession&)>& recorded);
+    /// Waits until all have ended. When `limit` (zero for none) has passed or `interrupt` was called, those
+    /// that still run are stopped first.
+    Outcome wait(std::chrono::milliseconds limit);
     void interrupt();
 
     const std::vector<std::shared_ptr<TerminalSession>>& sessions() const { return m_sessions; }
+    bool allSucceeded() const;
 
 private:
     void showStates();
@@ -45,5 +43,9 @@ private:
 
 /// The state of a session in the words of the team runs' cards.
 QString stateOf(const TerminalSession& session);
+/// The same for a copy of a recorded run, whose session is gone.
+QString stateOf(std::optional<int> exitCode);
+/// What the session says now: the last line that is not blank.
+QString lastLineOf(const TerminalSession& session);
 
 }  // namespace orvo::ctl
