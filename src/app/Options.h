@@ -12,13 +12,18 @@ namespace orvo {
 
 /// What the command line asks for.
 struct Options {
-    enum class Request { Window, Help, Version };
+    enum class Request { Window, SelfTest, Help, Version };
+    /// What the window is to do first; also for a window that is open already.
+    enum class Errand : quint8 { None, NewTerminal, QuickDraft };
 
     Request request = Request::Window;
     /// Project folder for this run only, instead of the saved one.
     std::optional<FilePath> workspace = {};
     /// Folder for pictures of the pages. The run is transient then: no preference is read or written.
     std::optional<FilePath> capture = {};
+    /// Folder for the self-test's report; below the system's temporary folder when absent.
+    std::optional<FilePath> testOutput = {};
+    Errand errand = Errand::None;
 
     bool operator==(const Options&) const = default;
 };

@@ -2,7 +2,10 @@
 
 #include "app/MainWindow.h"
 #include "app/Menu.h"
+#include "app/exampleProject.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "platform/saveAtomically.h"
+#include "workspace/ui/Composer.h"
 #include "workspace/ui/OrvoRoot.h"
 #include "workspace/ui/version.h"
 
@@ -11,7 +14,8 @@
 #include <QDir>
 #include <QMenuBar>
 #include <QPixmap>
-#include <QSaveFile>
+#include <QScopedValueRollback>
+#include <QUuid>
 
 #include <array>
 #include <cstdio>
@@ -30,18 +34,23 @@ constexpr std::array capturedPages = {Destination::Workspace, Destination::Agent
 
 }  // namespace
 
-OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options options, QObject* parent)
+OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
+                                 QObject* parent)
     : QObject(parent),
       m_services(services),
       m_options(std::move(options)),
+      m_places(std::move(places)),
       m_theme(services.preferences),
-      m_workspace(services) {}
+      m_workspace(services),
+      m_recovery(m_workspace.files(), m_places.folders.applicationData("Recovery")) {}
 
-OrvoApplication::~OrvoApplication() = default;
+OrvoApplication::~OrvoApplication() {
+    if (m_throwAwayExamples) QDir(m_throwAwayExamples->display()).removeRecursively();
+}
 
 void OrvoApplication::launch() {
     if (m_window) return;
-    openProjectOfOptions();
+    openFirstProject();
     // Nobody takes over separate copies yet, so the composer starts with what works.
     if (!m_workspace.hasTeamRuns()) m_workspace.setSeparateCopies(false);
 
@@ -53,11 +62,63 @@ void OrvoApplication::launch() {
     connect(m_window.get(), &MainWindow::closeRequested, this, &OrvoApplication::quit);
     m_window->placeOnScreen();
     showMainWindow();
+    runErrand(m_options.errand);
     if (m_options.capture) capturePages();
+    // Once the event loop runs: the question must not hold up the start.
+    if (!isTransient()) m_services.clock.after(0ms, this, [this] { offerUnsavedText(); });
 }
 
-void OrvoApplication::openProjectOfOptions() {
-    if (m_options.workspace) m_workspace.openFolderForThisRun(*m_options.workspace);
+void OrvoApplication::openFirstProject() {
+    if (m_options.workspace)
+        m_workspace.openFolderForThisRun(*m_options.workspace);
+    else if (!m_workspace.folder())
+        openExampleProject();
+}
+
+void OrvoApplication::openExampleProject() {
+    FilePath destination = m_places.folders.applicationData("Example Project");
+    if (isTransient()) {
+        const QByteArray name = "Orvo-examples-" + QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+        destination = FilePath::fromString(QDir::tempPath()).child(name);
+        m_throwAwayExamples = destination;
+    }
+    if (const auto prepared = ExampleProject::prepare(m_places.exampleSource, destination))
+        m_workspace.openFolderForThisRun(*prepared);
+    else
+        m_workspace.notify(
+            tr("Choose a project folder to get started. The example project could not be prepared."));
+}
+
+void OrvoApplication::runErrand(Options::Errand errand) {
+    switch (errand) {
+        case Options::Errand::None:
+            break;
+        case Options::Errand::NewTerminal:
+            newTerminal();
+            break;
+        case Options::Errand::QuickDraft:
+            quickDraft();
+            break;
+    }
+}
+
+void OrvoApplication::serve(const StartRequest& request) {
+    if (m_ended) return;
+    // The desktop lets a window come to the front for the token of the start that asked for it.
+    if (!request.activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
+    showMainWindow();
+    // A question stands already, about quitting or for an earlier request: the person sees it now.
+    if (m_quitting || m_serving) return;
+    const QScopedValueRollback serving(m_serving, true);
+    if (request.workspace && request.workspace != m_workspace.folder()) {
+        if (!m_workspace.files().confirmDiscard()) return;
+        m_workspace.openFolderForThisRun(*request.workspace);
+    }
+    runErrand(request.errand);
+}
+
+void OrvoApplication::offerUnsavedText() {
+    if (m_recovery.offer(m_services.dialogs)) m_workspace.setDestination(Destination::Files);
 }
 
 void OrvoApplication::showMainWindow() {
@@ -94,6 +155,15 @@ void OrvoApplication::newTerminal() {
     m_workspace.launch(m_workspace.assistants().provider(QStringLiteral("shell")), QString());
 }
 
+void OrvoApplication::quickDraft() {
+    m_workspace.setFocusMode(false);
+    m_workspace.setDestination(Destination::Workspace);
+    showMainWindow();
+    for (Composer* const composer : m_root->findChildren<Composer*>()) {
+        if (composer->isVisible()) composer->focusTask();
+    }
+}
+
 void OrvoApplication::saveFile() {
     m_workspace.files().saveFile();
 }
@@ -120,10 +190,25 @@ void OrvoApplication::quit() {
         m_quitting = false;
         return;
     }
-    endNow();
+    // The person has decided about the text.
+    m_recovery.forget();
+    end();
 }
 
 void OrvoApplication::endNow() {
+    keepUnsavedText();
+    end();
+}
+
+void OrvoApplication::keepUnsavedText() {
+    // Nobody is left to tell when it fails.
+    if (!isTransient()) (void)m_recovery.keep();
+}
+
+void OrvoApplication::end() {
+    if (m_ended) return;
+    m_ended = true;
+    if (m_workspace.preparingRun()) m_workspace.cancelPreparation();
     stopSessionsAndWait(m_workspace.sessions());
     Q_EMIT ended();
 }
@@ -135,11 +220,7 @@ Result<void> OrvoApplication::captureWindow(const FilePath& file) const {
     if (!m_root->grab().save(&buffer, "PNG")) {
         return failure(QStringLiteral("Orvo"), tr("The picture could not be made."), 2);
     }
-    QSaveFile out(QFile::decodeName(file.bytes()));
-    if (!out.open(QIODevice::WriteOnly) || out.write(png) != png.size() || !out.commit()) {
-        return failure(QStringLiteral("Orvo"), out.errorString(), 3);
-    }
-    return {};
+    return saveAtomically(file, png, {.newFile = SaveOptions::NewFile::AsUserWants});
 }
 
 void OrvoApplication::capturePages() {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "app/EditorRecovery.h"
 #include "app/Options.h"
+#include "app/SingleInstance.h"
 #include "appearance/Theme.h"
+#include "platform/AppFolders.h"
 #include "workspace/Workspace.h"
 
 #include <QObject>
@@ -13,6 +16,13 @@ namespace orvo {
 class MainWindow;
 class OrvoRoot;
 
+/// Where the application finds and keeps its things.
+struct AppPlaces {
+    AppFolders folders;
+    /// The installed sample files.
+    FilePath exampleSource;
+};
+
 /// The running application with a window: it makes the models, shows the window and ends the run. Main thread
 /// only; lives from start to exit.
 class OrvoApplication : public QObject {
@@ -21,7 +31,8 @@ class OrvoApplication : public QObject {
 public:
     /// The services outlive the application. Without preferences the run is transient: it keeps nothing and
     /// quits without a question.
-    OrvoApplication(const WorkspaceServices& services, Options options, QObject* parent = nullptr);
+    OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
+                    QObject* parent = nullptr);
     ~OrvoApplication() override;
 
     Workspace& workspace() { return m_workspace; }
@@ -32,12 +43,16 @@ public:
     /// Opens the main window, once.
     void launch();
     void showMainWindow();
+    /// What a later start asks for: the window in front, and perhaps a folder or an errand.
+    void serve(const StartRequest& request);
 
     void about();
     void showSettings();
     void hide();
     void openProject();
     void newTerminal();
+    /// The main window with the keyboard in the task field.
+    void quickDraft();
     void saveFile();
     void exportPreview();
     void minimize();
@@ -45,8 +60,11 @@ public:
 
     /// Asks what must be asked, stops all sessions, and says that the run has ended unless the person stays.
     void quit();
-    /// The same without a question, when the system wants the process to end.
+    /// The same without a question, when the system wants the process to end: unsaved text of the editor is
+    /// kept for the next start.
     void endNow();
+    /// Keeps the editor's unsaved text for a next start, should the system end this run.
+    void keepUnsavedText();
 
     /// Writes a picture of the window's content as PNG.
     Result<void> captureWindow(const FilePath& file) const;
@@ -56,17 +74,28 @@ Q_SIGNALS:
     void ended();
 
 private:
-    void openProjectOfOptions();
+    bool isTransient() const { return m_services.preferences == nullptr; }
+    void openFirstProject();
+    void openExampleProject();
+    void runErrand(Options::Errand errand);
+    void offerUnsavedText();
+    void end();
     void capturePages();
     void capturePage(std::size_t index);
 
     const WorkspaceServices m_services;
     const Options m_options;
+    const AppPlaces m_places;
     Theme m_theme;
     Workspace m_workspace;
+    EditorRecovery m_recovery;
+    /// The throw-away example project of a transient run.
+    std::optional<FilePath> m_throwAwayExamples;
     std::unique_ptr<MainWindow> m_window;
     OrvoRoot* m_root = nullptr;
     bool m_quitting = false;
+    bool m_serving = false;
+    bool m_ended = false;
 };
 
 }  // namespace orvo

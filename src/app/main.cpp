@@ -1,7 +1,10 @@
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/OrvoApplication.h"
+#include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
+#include "app/exampleProject.h"
+#include "app/preferenceMigration.h"
 #include "appearance/controls/AlertSheet.h"
 #include "history/HistoryInbox.h"
 #include "platform/AppFolders.h"
@@ -14,6 +17,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
+#include <QSessionManager>
+#include <QStandardPaths>
 
 #include <cstdio>
 
@@ -42,8 +47,61 @@ bool hasDisplay() {
     return false;
 }
 
+/// What the desktop gave this start; taken away so that children do not inherit it.
+QByteArray takeActivationToken() {
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    return token;
+}
+
+/// The place of the one instance, or nothing when this start has nothing more to do, with its exit status.
+struct Place {
+    std::unique_ptr<SingleInstance> instance;
+    int status = 0;
+};
+
+Place claimPlace(const Options& options, const QByteArray& activationToken) {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    Result<SingleInstance::Claim> claim = SingleInstance::claim(
+        FilePath::fromString(folder),
+        {.workspace = options.workspace, .errand = options.errand, .activationToken = activationToken});
+    if (!claim) {
+        std::fprintf(stderr, "orvo: %s\n", qUtf8Printable(claim.error().message));
+        return {nullptr, 1};
+    }
+    if (auto* const instance = std::get_if<std::unique_ptr<SingleInstance>>(&*claim)) {
+        return {std::move(*instance), 0};
+    }
+    return {nullptr, 0};
+}
+
+/// Ends the run in order when the system or the desktop session wants it, without a question.
+class EndRequests final : public QObject {
+public:
+    EndRequests(QGuiApplication& application, OrvoApplication& orvo) : m_orvo(orvo) {
+        connect(&m_termination, &TerminationSignals::received, &orvo, &OrvoApplication::endNow);
+        // The session may yet go on, when somebody else cancels the log-out.
+        connect(
+            &application, &QGuiApplication::commitDataRequest, &orvo, [&orvo] { orvo.keepUnsavedText(); },
+            Qt::DirectConnection);
+        application.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        if (event->type() != QEvent::Quit || receiver != QCoreApplication::instance()) return false;
+        // Qt would first ask the window to close, which it answers by asking the person.
+        m_orvo.endNow();
+        return true;
+    }
+
+private:
+    OrvoApplication& m_orvo;
+    TerminationSignals m_termination;
+};
+
 int showWindow(int argc, char** argv, const Options& options) {
     choosePlatform();
+    const QByteArray activationToken = takeActivationToken();
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));
     QCoreApplication::setApplicationVersion(versionText());
@@ -52,29 +110,44 @@ int showWindow(int argc, char** argv, const Options& options) {
     // The application ends with its quit sequence, never because some window closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
+    // A transient run leaves alone what belongs to the instance with the window.
+    const bool isTransient = options.capture.has_value();
+    Place place;
+    if (!isTransient) {
+        place = claimPlace(options, activationToken);
+        if (!place.instance) return place.status;
+    }
+
     SystemClock clock;
-    const FilePath configuration = AppFolders::fromProcess().configuration;
-    FilePreferences preferences(configuration, FilePreferences::Access::ReadWrite);
+    const AppPlaces places{.folders = AppFolders::fromProcess(),
+                           .exampleSource = ExampleProject::installedSource(
+                               FilePath::fromString(QCoreApplication::applicationDirPath()))};
+    const FilePath configuration = places.folders.configuration;
+    FilePreferences preferences(
+        configuration, isTransient ? FilePreferences::Access::ReadOnly : FilePreferences::Access::ReadWrite);
+    if (!isTransient) migratePreferences(preferences, configuration.parent().child("dev.pelk.desktop"));
     const HistoryInbox historyInbox(configuration.child("history.pending"));
     // Alerts stand over the main window, which is made later than the dialogs it needs.
     MainWindow* window = nullptr;
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
     DesktopLauncher launcher;
     LogindSleepInhibitor sleepInhibitor;
-    OrvoApplication orvo({.preferences = options.capture ? nullptr : &preferences,
+    OrvoApplication orvo({.preferences = isTransient ? nullptr : &preferences,
                           .clock = clock,
                           .dialogs = dialogs,
                           .launcher = launcher,
                           .sleepInhibitor = sleepInhibitor,
                           .tools = ToolEnvironment::fromProcess(),
-                          .historyInbox = options.capture ? nullptr : &historyInbox},
-                         options);
+                          .historyInbox = isTransient ? nullptr : &historyInbox},
+                         options, places);
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },
         Qt::QueuedConnection);
-    TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::received, &orvo, &OrvoApplication::endNow);
+    const EndRequests endRequests(application, orvo);
+    if (place.instance) {
+        QObject::connect(place.instance.get(), &SingleInstance::requested, &orvo, &OrvoApplication::serve);
+    }
     orvo.launch();
     window = orvo.window();
     return QApplication::exec();
@@ -96,6 +169,7 @@ int main(int argc, char** argv) {
         case Options::Request::Version:
             std::printf("Orvo AI %s\n", qUtf8Printable(versionText()));
             return 0;
+        case Options::Request::SelfTest:
         case Options::Request::Window:
             break;
     }

@@ -107,6 +107,12 @@ void ProjectFiles::newFile() {
     refreshFiles();
 }
 
+void ProjectFiles::restoreUnsaved(const std::optional<FilePath>& file, const QString& savedText,
+                                  const QString& text) {
+    edit(file, savedText);
+    setEditorText(text);
+}
+
 bool ProjectFiles::confirmDiscard() {
     if (!fileIsDirty()) return true;
     const int answer =

@@ -54,6 +54,9 @@ public:
     /// Asks for a place and puts a new empty file there into the editor.
     void newFile();
     bool fileIsDirty() const { return m_editorText != m_savedText; }
+    /// Puts a text that was never saved back into the editor, over what its file held then, so that saving
+    /// asks when the file has changed since.
+    void restoreUnsaved(const std::optional<FilePath>& file, const QString& savedText, const QString& text);
     /// Asks about unsaved changes; true when the caller may go on.
     bool confirmDiscard();
     /// Writes the buffer to its file, unless the file is gone, or changed and the person wants those changes;

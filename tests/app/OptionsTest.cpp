@@ -36,6 +36,10 @@ INSTANTIATE_TEST_SUITE_P(
         Accepted{"anyOrder",
                  {"--capture", "out", "--workspace", "/srv/notes"},
                  {.workspace = FilePath("/srv/notes"), .capture = FilePath("/home/ada/out")}},
+        Accepted{"selfTest",
+                 {"--self-test", "--test-output", "report"},
+                 {.request = Options::Request::SelfTest, .testOutput = FilePath("/home/ada/report")}},
+        Accepted{"errands", {"--new-terminal"}, {.errand = Options::Errand::NewTerminal}},
         Accepted{"help", {"--help"}, {.request = Options::Request::Help}},
         Accepted{"version", {"--version"}, {.request = Options::Request::Version}}),
     [](const auto& named) { return named.param.name; });
@@ -61,6 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"missingFolder", {"--workspace"}, "Name a folder after --workspace."},
         Refused{"emptyFolder", {"--capture", ""}, "Name a folder after --capture."},
         Refused{"twoFolders", {"notes", "--workspace", "tides", "more"}, "Name only one project folder."},
+        Refused{"folderTwice", {"--capture", "a", "--capture", "b"}, "Give --capture only once."},
         Refused{"emptyArgument", {""}, "The name of a project folder is empty."}),
     [](const auto& named) { return named.param.name; });
 

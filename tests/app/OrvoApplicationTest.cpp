@@ -22,11 +22,17 @@ protected:
     OrvoApplication& launched(const Options& options = {}, Keep keep = Keep::Preferences) {
         WorkspaceServices wanted = services();
         if (keep == Keep::Nothing) wanted.preferences = nullptr;
-        m_application = std::make_unique<OrvoApplication>(wanted, options);
+        m_application = std::make_unique<OrvoApplication>(wanted, options, places());
         QObject::connect(m_application.get(), &OrvoApplication::ended, m_application.get(),
                          [this] { ++m_ended; });
         m_application->launch();
         return *m_application;
+    }
+
+    AppPlaces places() {
+        const FilePath root = FilePath::fromString(m_folder.path());
+        return {.folders = {root.child("configuration"), root.child("data")},
+                .exampleSource = root.child("samples")};
     }
 
     QAction* menuItem(const QString& menu, const QString& item) const {
@@ -120,6 +126,103 @@ TEST_F(OrvoApplicationTest, aFolderOnTheCommandLineIsForThisRunOnly) {
     EXPECT_EQ(m_preferences.value(preference::workspace), saved.display());
     EXPECT_FALSE(m_preferences.value(preference::recentFolders));
     EXPECT_FALSE(m_application->workspace().toast());
+}
+
+TEST_F(OrvoApplicationTest, withoutAFolderTheSamplesAreOpenedForThisRunOnly) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("samples/practice"));
+    launched();
+    EXPECT_EQ(m_application->workspace().folder(), places().folders.applicationData("Example Project"));
+    EXPECT_FALSE(m_preferences.value(preference::workspace));
+    EXPECT_FALSE(m_preferences.value(preference::recentFolders));
+}
+
+TEST_F(OrvoApplicationTest, aTransientRunThrowsItsSamplesAway) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("samples/practice"));
+    launched({}, Keep::Nothing);
+    const FilePath folder = m_application->workspace().folder().value();
+    EXPECT_TRUE(folder.nameBytes().startsWith("Orvo-examples-"));
+    EXPECT_TRUE(QDir(folder.child("practice").display()).exists());
+    m_application.reset();
+    EXPECT_FALSE(QDir(folder.display()).exists());
+}
+
+TEST_F(OrvoApplicationTest, missingSamplesAreSaidAndLeaveNoFolder) {
+    launched();
+    EXPECT_FALSE(m_application->workspace().folder());
+    EXPECT_EQ(m_application->workspace().toast(),
+              QStringLiteral("Choose a project folder to get started. The example project could not be "
+                             "prepared."));
+}
+
+TEST_F(OrvoApplicationTest, aLaterStartShowsTheMinimizedWindowAndOpensItsFolder) {
+    const FilePath given = makeProject(QStringLiteral("given"));
+    launched();
+    m_application->minimize();
+    m_application->serve({.workspace = given});
+    EXPECT_FALSE(m_application->window()->isMinimized());
+    EXPECT_EQ(m_application->workspace().folder(), given);
+    EXPECT_FALSE(m_preferences.value(preference::workspace));
+}
+
+TEST_F(OrvoApplicationTest, aLaterStartAsksBeforeItsFolderReplacesUnsavedChanges) {
+    const FilePath first = makeProject(QStringLiteral("first"));
+    const FilePath given = makeProject(QStringLiteral("given"));
+    launched({.workspace = first});
+    ProjectFiles& files = m_application->workspace().files();
+    files.setEditorText(QStringLiteral("unsaved"));
+    m_application->serve({.workspace = first});
+    EXPECT_TRUE(m_dialogs.alerts().isEmpty()) << "the folder is open already";
+
+    // Another start while the question stands only brings the window to the front.
+    m_dialogs.answer(QStringLiteral("Cancel"), [&] { m_application->serve({.workspace = given}); });
+    m_application->serve({.workspace = given});
+    EXPECT_EQ(m_application->workspace().folder(), first);
+    EXPECT_EQ(files.editorText(), QStringLiteral("unsaved"));
+
+    m_dialogs.answer(QStringLiteral("Discard"));
+    m_application->serve({.workspace = given});
+    EXPECT_EQ(m_application->workspace().folder(), given);
+}
+
+TEST_F(OrvoApplicationTest, errandsOfAStartAreRun) {
+    launched({.workspace = makeProject(QStringLiteral("notes")), .errand = Options::Errand::NewTerminal});
+    EXPECT_EQ(m_application->workspace().sessions().size(), 1u);
+    const auto focusIsIn = [](const char* className) {
+        return test::waitFor([className] {
+            return QApplication::focusWidget() && QApplication::focusWidget()->inherits(className);
+        });
+    };
+    ASSERT_TRUE(focusIsIn("orvo::TerminalView"));
+    stopSessionsAndWait(m_application->workspace().sessions());
+
+    m_application->workspace().setDestination(Destination::Settings);
+    m_application->serve({.errand = Options::Errand::QuickDraft});
+    EXPECT_EQ(m_application->workspace().destination(), Destination::Workspace);
+    EXPECT_TRUE(focusIsIn("orvo::TaskEditor"));
+}
+
+TEST_F(OrvoApplicationTest, unsavedTextSurvivesAnEndThatTheSystemWants) {
+    launched();
+    m_application->workspace().files().setEditorText(QStringLiteral("half a thought"));
+    m_application->endNow();
+    m_application->endNow();
+    EXPECT_EQ(m_ended, 1);
+    EXPECT_TRUE(m_dialogs.alerts().isEmpty());
+
+    launched();
+    m_dialogs.answer(QStringLiteral("Restore"));
+    m_clock.advance(std::chrono::seconds(0));
+    EXPECT_EQ(m_application->workspace().files().editorText(), QStringLiteral("half a thought"));
+    EXPECT_EQ(m_application->workspace().destination(), Destination::Files);
+
+    // What the person gives up when quitting is not offered again.
+    m_dialogs.answer(QStringLiteral("Discard"));
+    m_application->keepUnsavedText();
+    m_application->quit();
+    const qsizetype asked = m_dialogs.alerts().size();
+    launched();
+    m_clock.advance(std::chrono::seconds(0));
+    EXPECT_EQ(m_dialogs.alerts().size(), asked);
 }
 
 TEST_F(OrvoApplicationTest, closingTheWindowEndsTheRunWithoutAQuestionWhenNothingRuns) {

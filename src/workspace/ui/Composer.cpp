@@ -45,6 +45,10 @@ Composer::Composer(Workspace& workspace, QWidget* parent) : Card(parent), m_work
     observe(m_workspace, {&Workspace::preparingRunChanged}, this, [this] { refreshSending(); });
 }
 
+void Composer::focusTask() {
+    m_task->setFocus();
+}
+
 QWidget* Composer::makeModeRow() {
     auto* const host = new QWidget;
     auto* const row = rowIn(host, 8);

@@ -17,6 +17,9 @@ class Composer : public Card {
 public:
     explicit Composer(Workspace& workspace, QWidget* parent = nullptr);
 
+    /// Puts the keyboard into the task field.
+    void focusTask();
+
 private:
     QWidget* makeModeRow();
     QWidget* makeActionRow();
