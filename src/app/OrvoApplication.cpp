@@ -5,6 +5,7 @@
 #include "app/exampleProject.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "platform/saveAtomically.h"
+#include "workspace/WorkspaceTeamRuns.h"
 #include "workspace/ui/Composer.h"
 #include "workspace/ui/OrvoRoot.h"
 #include "workspace/ui/version.h"
@@ -51,12 +52,19 @@ OrvoApplication::~OrvoApplication() {
 void OrvoApplication::launch() {
     if (m_window) return;
     openFirstProject();
-    // Nobody takes over separate copies yet, so the composer starts with what works.
-    if (!m_workspace.hasTeamRuns()) m_workspace.setSeparateCopies(false);
+    // A run that keeps nothing has no place for copies.
+    if (m_services.preferences) {
+        m_teamRuns = std::make_unique<WorkspaceTeamRuns>(m_workspace, m_services.clock,
+                                                         m_places.folders.applicationData("Runs"));
+        m_teamRuns->engine().loadTeamRuns();
+    } else {
+        m_workspace.setSeparateCopies(false);
+    }
 
     applyTheme(m_theme);
     m_window = std::make_unique<MainWindow>();
-    m_root = new OrvoRoot(m_workspace, m_theme, m_services.launcher, m_window.get());
+    const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr};
+    m_root = new OrvoRoot(m_workspace, m_theme, m_services.launcher, engines, m_window.get());
     m_window->setCentralWidget(m_root);
     createMenu(*m_window->menuBar(), *this);
     connect(m_window.get(), &MainWindow::closeRequested, this, &OrvoApplication::quit);

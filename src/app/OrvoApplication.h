@@ -15,6 +15,7 @@ namespace orvo {
 
 class MainWindow;
 class OrvoRoot;
+class WorkspaceTeamRuns;
 
 /// Where the application finds and keeps its things.
 struct AppPlaces {
@@ -91,6 +92,8 @@ private:
     EditorRecovery m_recovery;
     /// The throw-away example project of a transient run.
     std::optional<FilePath> m_throwAwayExamples;
+    /// Null in a transient run.
+    std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
     std::unique_ptr<MainWindow> m_window;
     OrvoRoot* m_root = nullptr;
     bool m_quitting = false;

@@ -142,6 +142,16 @@ bool ProjectFiles::mayOverwrite(const FilePath& file) {
                 .buttons = {tr("Replace"), tr("Cancel")}}) == 0;
 }
 
+void ProjectFiles::reloadFile() {
+    if (!m_selectedFile) return;
+    const Result<QByteArray> content = readFile(*m_selectedFile, maximumReadBack);
+    const std::optional<QString> text = content ? decodedText(*content) : std::nullopt;
+    if (text)
+        edit(m_selectedFile, *text);
+    else
+        edit(std::nullopt, QString());
+}
+
 bool ProjectFiles::saveFile() {
     if (!m_selectedFile) return false;
     // Copies, because the event loop runs while a question stands: what was shown then is what is written.

@@ -59,6 +59,9 @@ public:
     void restoreUnsaved(const std::optional<FilePath>& file, const QString& savedText, const QString& text);
     /// Asks about unsaved changes; true when the caller may go on.
     bool confirmDiscard();
+    /// Shows the open file as it is on the disk now, dropping changes of the buffer; closes it when it is
+    /// gone or no text any more. For changes that the person has agreed to.
+    void reloadFile();
     /// Writes the buffer to its file, unless the file is gone, or changed and the person wants those changes;
     /// true when written. A link stays a link, and the file keeps its permissions.
     bool saveFile();

@@ -4,6 +4,7 @@
 #include "platform/observe.h"
 #include "platform/runInBackground.h"
 #include "platform/textEnds.h"
+#include "team_runs/Apply.h"
 #include "team_runs/RunFolder.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/TeamRunHost.h"
@@ -258,6 +259,23 @@ QString TeamRuns::runOutput(const RunCopy& copy, const TeamRun& run) const {
     }
     if (const auto recorded = RunStore::output(run, copy)) return *recorded;
     return m_host.historyOutput(copy.directory).value_or(tr("No captured output."));
+}
+
+void TeamRuns::apply(const TeamRun& run, const RunCopy& copy, const QList<FileChange>& changes,
+                     std::function<void(const Result<void>&)> done) {
+    if (m_applyingRunID) return;
+    m_applyingRunID = run.id;
+    Q_EMIT applyingRunIDChanged();
+    runInBackground(
+        this,
+        [changes, project = run.project, result = copy.directory, backup = run.newBackupFolder()] {
+            return RunFiles::apply(changes, project, result, backup);
+        },
+        [this, done = std::move(done)](const Result<void>& outcome) {
+            m_applyingRunID.reset();
+            Q_EMIT applyingRunIDChanged();
+            done(outcome);
+        });
 }
 
 std::shared_ptr<TerminalSession> TeamRuns::summarizeRun(const TeamRun& run) {

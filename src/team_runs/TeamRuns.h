@@ -4,6 +4,7 @@
 #include "platform/FilePath.h"
 #include "team_runs/AbandonedFolders.h"
 #include "team_runs/ApplyJournal.h"
+#include "team_runs/FileChange.h"
 #include "team_runs/Snapshot.h"
 #include "team_runs/TeamRun.h"
 
@@ -11,6 +12,7 @@
 #include <QObject>
 #include <QSet>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -68,6 +70,13 @@ public:
     /// The live screen, the recorded output, the history's, or a sentence that says there is none.
     QString runOutput(const RunCopy& copy, const TeamRun& run) const;
 
+    /// Takes reviewed changes of a copy over into the run's project, in the background; see RunFiles::apply.
+    /// `done` gets the outcome. Ignored while another apply goes on.
+    void apply(const TeamRun& run, const RunCopy& copy, const QList<FileChange>& changes,
+               std::function<void(const Result<void>&)> done);
+    /// The run that is being applied from.
+    const std::optional<QUuid>& applyingRunID() const { return m_applyingRunID; }
+
     /// Starts the read-only session that compares a run's results. Null when it could not; a notice says why.
     std::shared_ptr<TerminalSession> summarizeRun(const TeamRun& run);
 
@@ -76,6 +85,7 @@ Q_SIGNALS:
     void selectedRunIDChanged();
     void preparingRunChanged();
     void preparationProgressChanged();
+    void applyingRunIDChanged();
     void unfinishedAppliesChanged();
 
 private:
@@ -106,6 +116,7 @@ private:
     bool m_preparingRun = false;
     RunFiles::CopyProgress m_progress;
     QList<RunFiles::UnfinishedApply> m_unfinishedApplies;
+    std::optional<QUuid> m_applyingRunID;
 
     /// Token of the current attempt; late answers to another one are dropped.
     QUuid m_preparationID;

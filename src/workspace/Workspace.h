@@ -49,6 +49,8 @@ public:
     explicit Workspace(WorkspaceServices services, QObject* parent = nullptr);
     ~Workspace() override;
 
+    /// Questions put to the person.
+    Dialogs& dialogs() { return m_services.dialogs; }
     Assistants& assistants();
     HistoryStore& history();
     ProjectFiles& files();
@@ -65,6 +67,8 @@ public:
     const QString& prompt() const;
     bool separateCopies() const;
     bool preparingRun() const;
+    /// How far the copies of the run being prepared have come; empty at other times.
+    QString preparationStatus() const;
     bool keepAwake() const;
     bool focusMode() const;
     const std::optional<QString>& toast() const;
@@ -105,8 +109,9 @@ public:
     /// taken away first.
     void setTeamRuns(TeamRunHandover* teamRuns);
     bool hasTeamRuns() const;
-    /// For the team-run engine: `preparingRun` may have another answer now.
+    /// For the team-run engine: `preparingRun` or `preparationStatus` may have another answer now.
     void refreshPreparingRun();
+    void refreshPreparationStatus();
 
     /// The composer's send action.
     void dispatchPrompt();
@@ -144,6 +149,7 @@ Q_SIGNALS:
     void promptChanged();
     void separateCopiesChanged();
     void preparingRunChanged();
+    void preparationStatusChanged();
     void keepAwakeChanged();
     void focusModeChanged();
     void toastChanged();

@@ -28,6 +28,14 @@ void Workspace::refreshPreparingRun() {
     if (assign(m_preparingRun, m_teamRuns && m_teamRuns->preparingRun())) Q_EMIT preparingRunChanged();
 }
 
+QString Workspace::preparationStatus() const {
+    return m_teamRuns ? m_teamRuns->preparationStatus() : QString();
+}
+
+void Workspace::refreshPreparationStatus() {
+    Q_EMIT preparationStatusChanged();
+}
+
 void Workspace::cancelPreparation() {
     if (m_teamRuns) m_teamRuns->cancelPreparation();
     refreshPreparingRun();

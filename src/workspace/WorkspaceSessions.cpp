@@ -86,6 +86,11 @@ void Workspace::sessionFinished(TerminalSession& session) {
 void Workspace::closeSession(const std::shared_ptr<TerminalSession>& closed) {
     // A copy, because the argument may be an element of the list that is changed here.
     const std::shared_ptr<TerminalSession> session = closed;
+    if (const QString reason = m_teamRuns ? m_teamRuns->reasonToKeep(*session) : QString();
+        !reason.isEmpty()) {
+        notify(reason);
+        return;
+    }
     if (session->running()) {
         const int answer = m_services.dialogs.alert(
             {.message = tr("Stop this session?"),

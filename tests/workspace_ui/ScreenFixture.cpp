@@ -74,9 +74,18 @@ Workspace& ScreenFixture::workspace() {
     return *m_workspace;
 }
 
+TeamRuns& ScreenFixture::teamRuns() {
+    if (!m_teamRuns) {
+        m_teamRuns = std::make_unique<WorkspaceTeamRuns>(
+            workspace(), m_clock, FilePath::fromString(m_folder.filePath(QStringLiteral("Runs"))));
+    }
+    return m_teamRuns->engine();
+}
+
 OrvoRoot& ScreenFixture::screen(QSize size) {
     if (!m_screen) {
-        m_screen = std::make_unique<OrvoRoot>(workspace(), m_theme, m_launcher);
+        const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr};
+        m_screen = std::make_unique<OrvoRoot>(workspace(), m_theme, m_launcher, engines);
         m_screen->resize(size);
         m_screen->show();
     }

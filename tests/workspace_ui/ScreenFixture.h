@@ -7,6 +7,7 @@
 #include "platform/fake/FakePreferences.h"
 #include "platform/fake/FakeSleepInhibitor.h"
 #include "workspace/Workspace.h"
+#include "workspace/WorkspaceTeamRuns.h"
 #include "workspace/ui/OrvoRoot.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,9 @@ protected:
     /// Made at the first call, so that a test can install programs and preset preferences before.
     Workspace& workspace();
     WorkspaceServices services();
+    /// The team-run engine, joined to the workspace at the first call; the screen has its page when that came
+    /// before the screen.
+    TeamRuns& teamRuns();
     /// The root screen over the workspace, shown; made at the first call.
     OrvoRoot& screen(QSize size = QSize(1440, 872));
     /// A shell session in the project, which is opened first if there is none.
@@ -60,6 +64,7 @@ protected:
 
 private:
     std::unique_ptr<Workspace> m_workspace;
+    std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
     std::unique_ptr<OrvoRoot> m_screen;
 };
 

@@ -78,4 +78,11 @@ QFont monoFont(double pixelSize) {
     return font;
 }
 
+QFont codeFont(double pixelSize) {
+    QFont font = monoFont(pixelSize);
+    // Ligatures are made in shaping, which Latin text does not need otherwise.
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    return font;
+}
+
 }  // namespace orvo

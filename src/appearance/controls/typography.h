@@ -33,5 +33,7 @@ int paragraphPitch(TypeRole role);
 
 /// JetBrains Mono where it is installed, else the system's fixed-width font.
 QFont monoFont(double pixelSize);
+/// The same for editors and previews: no two characters join into one glyph.
+QFont codeFont(double pixelSize);
 
 }  // namespace orvo

@@ -2,12 +2,12 @@
 
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/SegmentedControl.h"
+#include "appearance/controls/Symbol.h"
 #include "appearance/controls/TaskEditor.h"
 #include "appearance/controls/TextLabel.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/Symbol.h"
-#include "workspace/ui/layouts.h"
 
 namespace orvo {
 namespace {
@@ -40,8 +40,10 @@ Composer::Composer(Workspace& workspace, QWidget* parent) : Card(parent), m_work
         {&Workspace::separateCopiesChanged, &Workspace::preparingRunChanged, &Workspace::teamRunsAttached},
         this, [this] { refreshMode(); });
     observe(m_workspace, {&Workspace::promptChanged}, this, [this] { refreshPrompt(); });
-    observe(m_workspace, {&Workspace::folderChanged, &Workspace::selectedProvidersChanged}, this,
-            [this] { refreshStatus(); });
+    observe(m_workspace,
+            {&Workspace::folderChanged, &Workspace::selectedProvidersChanged, &Workspace::preparingRunChanged,
+             &Workspace::preparationStatusChanged},
+            this, [this] { refreshStatus(); });
     observe(m_workspace, {&Workspace::preparingRunChanged}, this, [this] { refreshSending(); });
 }
 
@@ -85,7 +87,7 @@ QWidget* Composer::makeActionRow() {
 void Composer::refreshMode() {
     m_mode->setCurrentIndex(m_workspace.separateCopies() ? SeparateCopies : SharedFolder);
     m_mode->setOptionEnabled(SeparateCopies, m_workspace.hasTeamRuns(),
-                             tr("Separate copies arrive with team runs."));
+                             tr("This run keeps nothing, so there is no place for copies."));
     m_mode->setEnabled(!m_workspace.preparingRun());
 }
 
@@ -95,7 +97,10 @@ void Composer::refreshPrompt() {
 
 void Composer::refreshStatus() {
     m_noFolder->setVisible(!m_workspace.folder());
-    m_selected->setText(tr("%1 selected").arg(m_workspace.selectedProviders().size()));
+    const QString status = m_workspace.preparationStatus();
+    m_selected->setText(m_workspace.preparingRun() && !status.isEmpty()
+                            ? status
+                            : tr("%1 selected").arg(m_workspace.selectedProviders().size()));
 }
 
 void Composer::refreshSending() {

@@ -3,9 +3,9 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/OrvoMark.h"
 #include "appearance/controls/Paragraph.h"
+#include "appearance/controls/layouts.h"
 #include "platform/Launcher.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/layouts.h"
 
 namespace orvo {
 

@@ -4,10 +4,10 @@
 #include "appearance/controls/HeaderPill.h"
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/Symbol.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/Symbol.h"
-#include "workspace/ui/layouts.h"
 
 #include <QPainter>
 

@@ -1,7 +1,9 @@
 #include "workspace/ui/OrvoRoot.h"
 
 #include "appearance/controls/Notice.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
+#include "team_runs/ui/TeamRunsPage.h"
 #include "workspace/Workspace.h"
 #include "workspace/ui/ConnectorSheet.h"
 #include "workspace/ui/HeaderBar.h"
@@ -9,23 +11,19 @@
 #include "workspace/ui/Sidebar.h"
 #include "workspace/ui/StatusBar.h"
 #include "workspace/ui/WorkspaceView.h"
-#include "workspace/ui/layouts.h"
 
 #include <QStackedWidget>
 
 namespace orvo {
 
-OrvoRoot::OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent)
+OrvoRoot::OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, const Engines& engines,
+                   QWidget* parent)
     : QWidget(parent),
       m_workspace(workspace),
       m_theme(theme),
       m_launcher(launcher),
+      m_engines(engines),
       m_pages(new QStackedWidget) {
-    for (const Destination destination : allDestinations) {
-        QWidget* const page = makePage(destination);
-        m_pages->addWidget(page);
-        m_pageOf.insert(destination, page);
-    }
     auto* const row = rowIn(this);
     row->addWidget(new Sidebar(workspace));
     auto* const column = columnIn(nullptr);
@@ -48,11 +46,20 @@ OrvoRoot::~OrvoRoot() {
 
 QWidget* OrvoRoot::makePage(Destination destination) {
     if (destination == Destination::Workspace) return new WorkspaceView(m_workspace, m_theme, m_launcher);
+    if (destination == Destination::Runs && m_engines.teamRuns)
+        return new TeamRunsPage(*m_engines.teamRuns, m_workspace, m_launcher);
     return makePlaceholderPage(destination);
 }
 
+// A page is made when it is first shown: most starts need one of nine.
 void OrvoRoot::refreshPage() {
-    m_pages->setCurrentWidget(m_pageOf.value(m_workspace.destination()));
+    const Destination destination = m_workspace.destination();
+    QWidget*& page = m_pageOf[destination];
+    if (!page) {
+        page = makePage(destination);
+        m_pages->addWidget(page);
+    }
+    m_pages->setCurrentWidget(page);
 }
 
 void OrvoRoot::refreshNotice() {

@@ -11,9 +11,16 @@ namespace orvo {
 class ConnectorSheet;
 class Launcher;
 class Notice;
+class TeamRuns;
 class Theme;
 class Workspace;
 enum class Destination;
+
+/// The engines behind pages of their own. Each outlives the screens; one that is absent leaves its page
+/// empty.
+struct Engines {
+    TeamRuns* teamRuns = nullptr;
+};
 
 /// The main window's content: sidebar, header, the page of the current destination, status bar; above them
 /// the notice and the connector sheet. The models and the launcher outlive it.
@@ -21,7 +28,8 @@ class OrvoRoot : public QWidget {
     Q_OBJECT
 
 public:
-    OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent = nullptr);
+    OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, const Engines& engines = {},
+             QWidget* parent = nullptr);
     ~OrvoRoot() override;
 
 private:
@@ -33,6 +41,7 @@ private:
     Workspace& m_workspace;
     Theme& m_theme;
     Launcher& m_launcher;
+    const Engines m_engines;
     QStackedWidget* m_pages;
     QHash<Destination, QWidget*> m_pageOf;
     Notice* m_notice;

@@ -5,10 +5,10 @@
 #include "appearance/controls/IconTile.h"
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/StatusPill.h"
+#include "appearance/controls/layouts.h"
 #include "platform/Launcher.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/layouts.h"
 
 namespace orvo {
 namespace {

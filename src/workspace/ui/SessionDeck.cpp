@@ -3,13 +3,13 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/ScrollPage.h"
 #include "appearance/controls/SegmentedControl.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "terminal/ui/TerminalPane.h"
 #include "workspace/Workspace.h"
 #include "workspace/ui/CountBadge.h"
 #include "workspace/ui/DeckGrid.h"
 #include "workspace/ui/SessionTabs.h"
-#include "workspace/ui/layouts.h"
 
 #include <QApplication>
 #include <QMenu>

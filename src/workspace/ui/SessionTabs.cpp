@@ -1,9 +1,9 @@
 #include "workspace/ui/SessionTabs.h"
 
 #include "appearance/controls/SessionTab.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/layouts.h"
 
 #include <QScrollBar>
 #include <QWheelEvent>

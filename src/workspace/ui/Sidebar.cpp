@@ -9,10 +9,10 @@
 #include "appearance/controls/OrvoMark.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/Paragraph.h"
+#include "appearance/controls/Symbol.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/Symbol.h"
-#include "workspace/ui/layouts.h"
 #include "workspace/ui/version.h"
 
 #include <QPainter>

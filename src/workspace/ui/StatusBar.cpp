@@ -3,9 +3,9 @@
 #include "appearance/controls/Divider.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/TextLabel.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/layouts.h"
 
 #include <QPainter>
 

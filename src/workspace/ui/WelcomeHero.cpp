@@ -4,8 +4,8 @@
 #include "appearance/controls/HeaderPill.h"
 #include "appearance/controls/HeroArt.h"
 #include "appearance/controls/Paragraph.h"
+#include "appearance/controls/layouts.h"
 #include "assistants/Provider.h"
-#include "workspace/ui/layouts.h"
 
 #include <array>
 

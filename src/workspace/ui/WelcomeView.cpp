@@ -4,12 +4,12 @@
 #include "appearance/controls/ElidedLabel.h"
 #include "appearance/controls/FlowGrid.h"
 #include "appearance/controls/OrvoButton.h"
+#include "appearance/controls/Symbol.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
 #include "workspace/ui/ProviderCard.h"
-#include "workspace/ui/Symbol.h"
 #include "workspace/ui/WelcomeHero.h"
-#include "workspace/ui/layouts.h"
 
 #include <array>
 

@@ -8,10 +8,10 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/Paragraph.h"
+#include "appearance/controls/Symbol.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/Symbol.h"
-#include "workspace/ui/layouts.h"
 
 #include <QPainter>
 

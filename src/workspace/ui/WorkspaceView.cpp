@@ -1,13 +1,13 @@
 #include "workspace/ui/WorkspaceView.h"
 
 #include "appearance/controls/ScrollPage.h"
+#include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
 #include "workspace/ui/Composer.h"
 #include "workspace/ui/SessionDeck.h"
 #include "workspace/ui/WelcomeView.h"
 #include "workspace/ui/WorkspaceInspector.h"
-#include "workspace/ui/layouts.h"
 
 #include <QStackedWidget>
 

@@ -1,4 +1,4 @@
-#include "workspace/ui/Symbol.h"
+#include "appearance/controls/Symbol.h"
 
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/symbols.h"

@@ -1,0 +1,143 @@
+#include "team_runs/ui/ReviewPanel.h"
+
+#include "appearance/controls/Divider.h"
+#include "appearance/controls/OrvoButton.h"
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/Paragraph.h"
+#include "appearance/controls/Spinner.h"
+#include "appearance/controls/TextLabel.h"
+#include "appearance/controls/TextViewer.h"
+#include "appearance/controls/layouts.h"
+#include "platform/observe.h"
+#include "team_runs/ui/ChangeList.h"
+#include "team_runs/ui/CopyReview.h"
+
+#include <QPainter>
+#include <QStackedWidget>
+
+namespace orvo {
+namespace {
+
+constexpr int headerHeight = 52;
+constexpr int listWidth = 280;
+constexpr int paneHeaderHeight = 28;
+
+// The ground on which texts are read inside a card; its corners follow the card's.
+class Well final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), toQColor(rolesOf(this).well));
+    }
+};
+
+}  // namespace
+
+ReviewPanel::ReviewPanel(CopyReview& review, QWidget* parent) : Card(parent), m_review(review) {
+    auto* const column = columnIn(this, 0, QMargins(1, 1, 1, 1));
+    column->addWidget(makeHeader());
+    column->addWidget(new Divider);
+    column->addWidget(makeBody(), 1);
+    // The card's border stays free, and its round corners below.
+    column->setContentsMargins(1, 1, 1, static_cast<int>(Card::radius));
+
+    observe(review, {&CopyReview::changesChanged, &CopyReview::selectionChanged, &CopyReview::busyChanged},
+            this, [this] { refreshHeader(); });
+    observe(review, {&CopyReview::busyChanged}, this, [this] { refreshBody(); });
+    observe(review, {&CopyReview::previewPathChanged, &CopyReview::comparisonChanged}, this,
+            [this] { refreshComparison(); });
+}
+
+QWidget* ReviewPanel::makeHeader() {
+    auto* const header = new QWidget;
+    header->setFixedHeight(headerHeight);
+    auto* const row = rowIn(header, 8, QMargins(16, 0, 12, 0));
+    m_count = new TextLabel(QString(), TypeRole::Name);
+    m_selectAll = new OrvoButton(tr("Select all"));
+    connect(m_selectAll, &OrvoButton::clicked, this, [this] { m_review.selectAll(); });
+    m_apply = new OrvoButton(QString(), QStringLiteral("checkmark"), OrvoButton::Kind::Primary);
+    connect(m_apply, &OrvoButton::clicked, this, [this] { m_review.apply(); });
+    row->addWidget(m_count);
+    row->addStretch();
+    row->addWidget(m_selectAll);
+    row->addWidget(m_apply);
+    return header;
+}
+
+QWidget* ReviewPanel::makeBody() {
+    m_body = new QStackedWidget;
+    m_reading = new QWidget;
+    auto* const reading = rowIn(m_reading, 10);
+    reading->addStretch();
+    reading->addWidget(new Spinner);
+    reading->addWidget(new TextLabel(tr("Reading changes…"), TypeRole::Body, Ink::Muted));
+    reading->addStretch();
+    m_body->addWidget(m_reading);
+
+    m_lists = new QWidget;
+    auto* const row = rowIn(m_lists);
+    auto* const list = new ChangeList(m_review);
+    list->setFixedWidth(listWidth);
+    row->addWidget(list);
+    row->addWidget(new Divider(Qt::Vertical));
+    m_compare = new QStackedWidget;
+    m_hint = new QWidget;
+    auto* const hint = columnIn(m_hint);
+    hint->addStretch();
+    hint->addWidget(new TextLabel(tr("Choose a file to compare its contents."), TypeRole::Body, Ink::Muted),
+                    0, Qt::AlignHCenter);
+    hint->addStretch();
+    m_compare->addWidget(m_hint);
+    m_panes = new QWidget;
+    auto* const panes = rowIn(m_panes);
+    panes->addWidget(makePane(tr("Before"), m_before), 1);
+    panes->addWidget(new Divider(Qt::Vertical));
+    panes->addWidget(makePane(tr("After"), m_after), 1);
+    m_compare->addWidget(m_panes);
+    row->addWidget(m_compare, 1);
+    m_body->addWidget(m_lists);
+    return m_body;
+}
+
+QWidget* ReviewPanel::makePane(const QString& title, TextViewer*& viewer) {
+    auto* const pane = new QWidget;
+    auto* const column = columnIn(pane);
+    auto* const label = new TextLabel(title, TypeRole::SmallControl, Ink::Muted);
+    label->setContentsMargins(10, 0, 10, 0);
+    label->setLineHeight(paneHeaderHeight);
+    column->addWidget(label);
+    column->addWidget(new Divider);
+    auto* const well = new Well;
+    viewer = new TextViewer(title, TextViewer::Lines::Scroll);
+    columnIn(well)->addWidget(viewer);
+    column->addWidget(well, 1);
+    return pane;
+}
+
+void ReviewPanel::refreshHeader() {
+    const bool ready = !m_review.inspecting();
+    const bool busy = m_review.inspecting() || m_review.applying();
+    m_count->setText(ready ? tr("%1 changed files").arg(m_review.changes().size()) : QString());
+    m_selectAll->setVisible(ready);
+    m_apply->setVisible(ready);
+    m_selectAll->setEnabled(!busy && !m_review.changes().isEmpty());
+    m_apply->setTitle(tr("Apply selected (%1)").arg(m_review.selectedCount()));
+    m_apply->setEnabled(!busy && m_review.selectedCount() > 0);
+}
+
+void ReviewPanel::refreshBody() {
+    m_body->setCurrentWidget(m_review.inspecting() ? m_reading : m_lists);
+    m_lists->setEnabled(!m_review.applying());
+}
+
+void ReviewPanel::refreshComparison() {
+    m_compare->setCurrentWidget(m_review.previewPath() ? m_panes : m_hint);
+    const auto& comparison = m_review.comparison();
+    m_before->setText(comparison ? comparison->before : QString());
+    m_after->setText(comparison ? comparison->after : QString());
+}
+
+}  // namespace orvo

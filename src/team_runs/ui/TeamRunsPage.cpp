@@ -1,0 +1,223 @@
+#include "team_runs/ui/TeamRunsPage.h"
+
+#include "appearance/controls/ElidedLabel.h"
+#include "appearance/controls/InfoCard.h"
+#include "appearance/controls/OrvoButton.h"
+#include "appearance/controls/PageTitle.h"
+#include "appearance/controls/ScrollPage.h"
+#include "appearance/controls/layouts.h"
+#include "platform/observe.h"
+#include "platform/textEnds.h"
+#include "team_runs/TeamRuns.h"
+#include "team_runs/ui/CopyCard.h"
+#include "team_runs/ui/CopyReview.h"
+#include "team_runs/ui/OutputSheet.h"
+#include "team_runs/ui/ReviewPanel.h"
+#include "workspace/Workspace.h"
+
+#include <QComboBox>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace orvo {
+namespace {
+
+constexpr int widestPicker = 560;
+constexpr qsizetype titleCharacters = 70;
+constexpr int cardHeight = 106;
+constexpr int cardGap = 12;
+constexpr int messageHeight = 24;
+
+}  // namespace
+
+TeamRunsPage::TeamRunsPage(TeamRuns& teamRuns, Workspace& workspace, Launcher& launcher, QWidget* parent)
+    : QWidget(parent),
+      m_teamRuns(teamRuns),
+      m_workspace(workspace),
+      m_launcher(launcher),
+      m_review(new CopyReview(teamRuns, workspace, this)) {
+    constexpr int margin = ScrollPage::margin;
+    auto* const column = columnIn(this, 0, QMargins(margin, margin, margin, 0));
+    column->addWidget(
+        new PageTitle(tr("Build. Compare. Choose."), tr("Your team’s work, in one place."),
+                      tr("Each assistant works in its own copy. Review the output and files, then "
+                         "choose what goes into your project.")));
+    column->addSpacing(20);
+    m_unfinished = columnIn(nullptr, 12);
+    column->addLayout(m_unfinished);
+    m_empty =
+        new InfoCard(QStringLiteral("square.stack.3d.up"), tr("Start your first team run"),
+                     tr("In Workspace, choose Separate copies, select your assistants and send a task. The "
+                        "results will appear here."));
+    column->addWidget(m_empty);
+    m_content = new QWidget;
+    auto* const content = columnIn(m_content, 16);
+    content->addWidget(makeRunRow());
+    content->addWidget(makeCards());
+    m_panel = new ReviewPanel(*m_review);
+    m_message = new ElidedLabel(QString(), TypeRole::SmallControl);
+    m_message->setLineHeight(messageHeight);
+    auto* const area = columnIn(nullptr, 0);
+    area->addWidget(m_panel, 1);
+    area->addWidget(m_message);
+    content->addLayout(area, 1);
+    column->addWidget(m_content, 1);
+    column->addStretch(0);
+
+    observe(m_teamRuns, {&TeamRuns::unfinishedAppliesChanged}, this, [this] { refreshUnfinished(); });
+    observe(m_teamRuns, {&TeamRuns::teamRunsChanged, &TeamRuns::selectedRunIDChanged}, this,
+            [this] { refreshRuns(); });
+    observe(m_workspace, {&Workspace::sessionStatesChanged, &Workspace::sessionsChanged}, this,
+            [this] { refreshCardStates(); });
+    observe(*m_review, {&CopyReview::copyChanged, &CopyReview::messageChanged}, this,
+            [this] { refreshReviewed(); });
+}
+
+TeamRunsPage::~TeamRunsPage() {
+    delete m_outputSheet;
+}
+
+QWidget* TeamRunsPage::makeRunRow() {
+    auto* const host = new QWidget;
+    auto* const row = rowIn(host, 8);
+    m_picker = new QComboBox;
+    // As its name Qt gives the entry that is chosen.
+    m_picker->setAccessibleDescription(tr("Run"));
+    m_picker->setMaximumWidth(widestPicker);
+    m_picker->setMaxVisibleItems(10);
+    m_picker->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_picker->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    connect(m_picker, &QComboBox::activated, this,
+            [this](int index) { m_teamRuns.setSelectedRunID(m_picker->itemData(index).toUuid()); });
+    m_compare = new OrvoButton(tr("Compare with AI"), QStringLiteral("sparkles"));
+    connect(m_compare, &OrvoButton::clicked, this, &TeamRunsPage::compare);
+    row->addWidget(m_picker, 1);
+    row->addWidget(m_compare);
+    row->addStretch(0);
+    return host;
+}
+
+QWidget* TeamRunsPage::makeCards() {
+    auto* const host = new QWidget;
+    m_cardRow = rowIn(host, cardGap);
+    m_cardRow->addStretch();
+    m_cardArea = scrolling(host);
+    m_cardArea->setFixedHeight(cardHeight);
+    m_cardArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_cardArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_cardArea->viewport()->installEventFilter(this);
+    return m_cardArea;
+}
+
+// The row of cards scrolls sideways with an ordinary wheel too.
+bool TeamRunsPage::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Wheel) {
+        auto* const wheel = static_cast<QWheelEvent*>(event);
+        const QPoint angle = wheel->angleDelta();
+        const int step = std::abs(angle.x()) > std::abs(angle.y()) ? angle.x() : angle.y();
+        QScrollBar* const bar = m_cardArea->horizontalScrollBar();
+        bar->setValue(bar->value() - step);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+std::optional<TeamRun> TeamRunsPage::shownRun() const {
+    const auto& runs = m_teamRuns.teamRuns();
+    if (runs.isEmpty()) return std::nullopt;
+    const auto& selected = m_teamRuns.selectedRunID();
+    const auto run = selected ? m_teamRuns.run(*selected) : std::nullopt;
+    return run ? run : runs.front();
+}
+
+void TeamRunsPage::refreshUnfinished() {
+    emptyLayout(*m_unfinished);
+    for (const RunFiles::UnfinishedApply& apply : m_teamRuns.unfinishedApplies()) {
+        m_unfinished->addWidget(new InfoCard(QStringLiteral("exclamationmark.triangle"),
+                                             tr("Applying files was interrupted"), apply.message()));
+    }
+    if (m_unfinished->count() > 0) m_unfinished->addSpacing(4);
+}
+
+void TeamRunsPage::refreshRuns() {
+    const auto run = shownRun();
+    m_empty->setVisible(!run);
+    m_content->setVisible(run.has_value());
+    if (m_review->run() && (!run || m_review->run()->id != run->id)) m_review->clear();
+    refreshPicker();
+    refreshCards();
+}
+
+void TeamRunsPage::refreshPicker() {
+    const QSignalBlocker quiet(m_picker);
+    m_picker->clear();
+    for (const TeamRun& run : m_teamRuns.teamRuns())
+        m_picker->addItem(firstCharacters(run.prompt, titleCharacters).simplified(), run.id);
+    const auto run = shownRun();
+    m_picker->setCurrentIndex(run ? m_picker->findData(run->id) : -1);
+}
+
+// Cards are made anew only when there are others; a state that changed is shown on the card there is.
+void TeamRunsPage::refreshCards() {
+    const auto run = shownRun();
+    const QList<RunCopy> copies = run ? run->copies : QList<RunCopy>();
+    const bool same = std::ranges::equal(m_cards, copies, [](const CopyCard* card, const RunCopy& copy) {
+        return card->copy().id == copy.id && card->copy().directory == copy.directory;
+    });
+    if (same) {
+        for (qsizetype i = 0; i < copies.size(); ++i)
+            m_cards[i]->refresh(copies[i]);
+        return;
+    }
+    emptyLayout(*m_cardRow);
+    m_cards.clear();
+    for (const RunCopy& copy : copies) {
+        auto* const card = new CopyCard(copy, m_teamRuns, m_workspace, m_launcher);
+        connect(card, &CopyCard::reviewRequested, this, [this, card] {
+            if (const auto shown = shownRun()) m_review->review(*shown, card->copy());
+        });
+        connect(card, &CopyCard::outputRequested, this, [this, card] { showOutput(card->copy()); });
+        m_cards.append(card);
+        m_cardRow->addWidget(card);
+    }
+    m_cardRow->addStretch();
+    refreshReviewed();
+}
+
+void TeamRunsPage::refreshCardStates() {
+    for (CopyCard* const card : std::as_const(m_cards))
+        card->refresh(card->copy());
+}
+
+void TeamRunsPage::refreshReviewed() {
+    const auto& reviewed = m_review->copy();
+    m_panel->setVisible(reviewed.has_value());
+    m_message->setText(m_review->message());
+    for (CopyCard* const card : std::as_const(m_cards)) {
+        const bool isReviewed = reviewed && card->copy().id == reviewed->id;
+        card->setFrame(isReviewed ? CardFrame::Selected : CardFrame::Plain);
+        if (isReviewed) m_cardArea->ensureWidgetVisible(card, cardGap, 0);
+    }
+}
+
+void TeamRunsPage::compare() {
+    if (const auto run = shownRun()) m_teamRuns.summarizeRun(*run);
+}
+
+void TeamRunsPage::showOutput(const RunCopy& copy) {
+    if (copy.session && m_workspace.session(*copy.session)) {
+        m_workspace.focusSession(*copy.session);
+        return;
+    }
+    const auto run = shownRun();
+    if (!run || m_outputSheet) return;
+    m_outputSheet = new OutputSheet(m_teamRuns.runOutput(copy, *run), this);
+    connect(m_outputSheet, &Sheet::dismissed, m_outputSheet, &QObject::deleteLater);
+    m_outputSheet->present();
+}
+
+}  // namespace orvo
