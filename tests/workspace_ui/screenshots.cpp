@@ -1,4 +1,5 @@
 // Writes pictures of the main window's screens in every palette and size: orvo_screenshots FOLDER [SCALE]
+// A third argument is the beginning of the only states to write.
 //
 // The models are real, the assistants are not: sessions print a fixed text and wait. SCALE is 1 or 2; without
 // it both are made, each in a process of its own, because Qt takes the scale once.
@@ -14,11 +15,14 @@
 #include "support/QtTestMain.h"
 #include "support/WaitFor.h"
 
+#include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -59,16 +63,35 @@ constexpr std::array transcripts = {
                "src/ui/NoteList.tsx\\n"},
 };
 
+constexpr const char* sampleCode =
+    "import { openStore } from \"./db\";\nimport type { Note } from \"../types\";\n\nexport async function "
+    "loadNotes(): Promise<Note[]> {\n  const store = await openStore(\"notes\");\n  return "
+    "store.all();\n}\n\n"
+    "export function findNotes(notes: Note[], text: string) {\n  const needle = text.trim().toLowerCase();\n "
+    " if "
+    "(!needle) return notes;\n  return notes.filter((note) =>\n    "
+    "note.title.toLowerCase().includes(needle)\n  );\n}\n";
+
 class Studio {
 public:
-    Studio(QDir out, const ThemePreset& preset) : m_out(std::move(out)), m_preset(preset) {
+    Studio(QDir out, const ThemePreset& preset, QByteArray only)
+        : m_out(std::move(out)), m_preset(preset), m_only(std::move(only)) {
         QDir home(m_folder.path());
         home.mkpath(QStringLiteral(".local/bin"));
         for (const char* name : installedTools) {
             QFile program(home.filePath(QStringLiteral(".local/bin/") + QLatin1String(name)));
             if (program.open(QIODevice::WriteOnly)) {
                 program.write(
-                    "#!/bin/sh\necho '{\"loggedIn\": true}'; [ \"$1\" = auth ] || echo Logged in\n");
+                    "#!/bin/sh\ncase \"$1\" in auth) echo '{\"loggedIn\": true}'; exit;; login) echo Logged "
+                    "in; "
+                    "exit;; esac\n"
+                    "case ${0##*/} in\n"
+                    "claude) echo Reading the store; exec sleep 600;;\n"
+                    "codex) echo 'export class SearchIndex {}' > src/store/search.ts; mkdir -p tests\n"
+                    "  sed -i 's/store.all()/await store.all()/' src/store/notes.ts src/ui/NoteList.tsx\n"
+                    "  echo 'test(\"finds notes\")' > tests/search.test.ts; rm src/ui/legacy/Filter.tsx\n"
+                    "  echo 'Added an index. Run npm test.';;\n"
+                    "kimi) echo 'No model is configured.'; exit 2;;\nesac\n");
             }
             program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
@@ -90,7 +113,7 @@ public:
                               .launcher = m_launcher,
                               .sleepInhibitor = m_sleepInhibitor,
                               .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
-            Options{});
+            Options{}, AppPlaces{AppFolders::fromProcess(), {}});
         m_application->launch();
         (void)test::waitFor([this] { return !workspace().assistants().checkingConnections(); });
     }
@@ -113,6 +136,7 @@ public:
                      .replace(u' ', u'-')
                      .toUtf8());
         }
+        takeTeamRuns();
         workspace().setDestination(Destination::Workspace);
         for (const std::size_t count : {1u, 2u, 4u, 12u}) {
             while (workspace().sessions().size() < count)
@@ -129,6 +153,62 @@ public:
 private:
     Workspace& workspace() { return m_application->workspace(); }
 
+    QWidget* named(const char* name) {
+        for (QWidget* const widget : m_application->window()->findChildren<QWidget*>()) {
+            const auto* const interface = QAccessible::queryAccessibleInterface(widget);
+            if (widget->isVisible() && interface && interface->text(QAccessible::Name) == QLatin1String(name))
+                return widget;
+        }
+        std::fprintf(stderr, "nothing is named \"%s\"\n", name);
+        return nullptr;
+    }
+    void press(const char* name) {
+        if (auto* const button = qobject_cast<QAbstractButton*>(named(name))) button->click();
+    }
+
+    // A run in which one assistant still works, one has finished and one has failed.
+    void takeTeamRuns() {
+        const QDir project(QFile::decodeName(workspace().folder()->bytes()));
+        for (const char* name : {"src/store/notes.ts", "src/ui/NoteList.tsx", "src/ui/legacy/Filter.tsx"}) {
+            project.mkpath(QFileInfo(QLatin1String(name)).path());
+            QFile file(project.filePath(QLatin1String(name)));
+            if (file.open(QIODevice::WriteOnly)) file.write(sampleCode);
+        }
+        workspace().setPrompt(QStringLiteral(
+            "Add offline search to the notes list. Keep the current layout, cover it with tests."));
+        workspace().setSelectedProviders(
+            {QStringLiteral("claude"), QStringLiteral("codex"), QStringLiteral("kimi")});
+        workspace().dispatchPrompt();
+        (void)test::waitFor([this] { return !workspace().preparingRun(); });
+        (void)test::waitFor([this] {
+            return std::ranges::count_if(workspace().sessions(),
+                                         [](const auto& session) { return session->running(); }) == 1;
+        });
+        workspace().setDestination(Destination::Runs);
+        take("team-runs-cards");
+        // The second card's, whose assistant has finished.
+        QList<QAbstractButton*> reviews;
+        for (auto* const button : m_application->window()->findChildren<QAbstractButton*>()) {
+            const auto* const interface = QAccessible::queryAccessibleInterface(button);
+            if (button->isVisible() && interface->text(QAccessible::Name) == QStringLiteral("Review files"))
+                reviews.append(button);
+        }
+        if (reviews.size() > 1) reviews[1]->click();
+        (void)test::waitFor([this] { return named("Select all")->isEnabled(); });
+        press("Select all");
+        take("team-runs-review");
+        press("Output");
+        workspace().setDestination(Destination::Runs);
+        workspace().stopAll();
+        (void)test::waitFor([this] { return !workspace().anySessionRunning(); });
+        while (!workspace().sessions().empty())
+            workspace().closeSession(workspace().sessions().front());
+        press("Output");
+        take("team-runs-output");
+        press("Done");
+        workspace().setPrompt(QString());
+    }
+
     void startSession(std::size_t index) {
         const Transcript& text = transcripts.at(index % transcripts.size());
         const auto session = workspace().startSession(
@@ -140,6 +220,7 @@ private:
     }
 
     void take(const QByteArray& state) {
+        if (!state.startsWith(m_only)) return;
         for (const QSize size : sizes) {
             MainWindow& window = *m_application->window();
             window.resize(size);
@@ -166,6 +247,7 @@ private:
 
     const QDir m_out;
     const ThemePreset m_preset;
+    const QByteArray m_only;
     QTemporaryDir m_folder;
     FakePreferences m_preferences;
     FakeClock m_clock;
@@ -195,6 +277,6 @@ int main(int argc, char** argv) {
     qputenv("QT_SCALE_FACTOR", argv[2]);
     QApplication application(argc, argv);
     for (const ThemePreset& preset : ThemePreset::all())
-        Studio(QDir(QString::fromLocal8Bit(argv[1])), preset).takeAll();
+        Studio(QDir(QString::fromLocal8Bit(argv[1])), preset, argc > 3 ? argv[3] : "").takeAll();
     return 0;
 }
