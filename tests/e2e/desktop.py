@@ -51,6 +51,10 @@ def text_of(node):
     return Atspi.Text.get_text(node, 0, Atspi.Text.get_character_count(node))
 
 
+def set_text(field, text):
+    return Atspi.EditableText.set_text_contents(field, text)
+
+
 class Program:
     """A running `orvo` with a home of its own."""
 

@@ -2,13 +2,10 @@
 
 Usage: task_road.py PROGRAM PICTURES
 """
-import os
-import pathlib
-import shutil
 import sys
-import tempfile
 
-from desktop import Program, checked, press_key, text_of, type_text, wait_for
+from desktop import checked, press_key, set_text, text_of, type_text, wait_for
+from home import on_a_project
 
 TASK = "Say \"hello\" to 'everyone';\n$(touch hacked) `touch hacked`\nand stop."
 
@@ -26,42 +23,6 @@ printf '\033[32mAnswer:\033[0m %s\n' "$answer"
 """
 
 
-def make_home(root):
-    """A home with two assistants and a project."""
-    tools = root / "home/.local/bin"
-    tools.mkdir(parents=True)
-    for name in ("claude", "codex"):
-        script = tools / name
-        script.write_text(ASSISTANT.replace("NAME", name))
-        script.chmod(0o755)
-    (root / "home/.zshrc").touch()
-    project = root / "harbor notes"
-    project.mkdir()
-    (project / "README.md").write_text("# Harbor notes\n")
-    return project
-
-
-def main(binary, pictures):
-    root = pathlib.Path(tempfile.mkdtemp())
-    project = make_home(root)
-    for variable in ("CONFIG", "DATA", "CACHE"):
-        os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
-    os.environ["HOME"] = str(root / "home")
-    os.environ["PATH"] = "/usr/bin:/bin"
-    shutil.rmtree(pictures, ignore_errors=True)
-
-    program = Program(binary, pictures, ["--workspace", str(project)])
-    try:
-        run_task(program, project)
-        quit_program(program)
-    except BaseException:
-        program.picture("failed")
-        raise
-    finally:
-        program.end()
-        shutil.rmtree(root)
-
-
 def run_task(program, project):
     for name in ("Claude Code", "Codex"):
         box = program.find("check box", name)
@@ -76,6 +37,8 @@ def run_task(program, project):
     program.do(codex, "Toggle")
     wait_for("two selected", lambda: program.all(name="2 selected"))
 
+    # In the project itself, not in copies of it.
+    program.press("Shared folder", "radio button")
     field = program.find("text", "Task for selected assistants")
     set_text(field, TASK)
     wait_for("the task in the field", lambda: text_of(field) == TASK)
@@ -111,18 +74,5 @@ def both(found):
     return found if len(found) == 2 else None
 
 
-def set_text(field, text):
-    from gi.repository import Atspi
-
-    return Atspi.EditableText.set_text_contents(field, text)
-
-
-def quit_program(program):
-    press_key("ctrl+q")
-    status = wait_for("the end of the program", lambda: program.process.poll() is not None and [program.process.poll()])
-    assert status == [0], f"exit status {status}"
-    assert program.standard_error() == "", "said on standard error:\n" + program.standard_error()
-
-
 if __name__ == "__main__":
-    main(*sys.argv[1:])
+    on_a_project(*sys.argv[1:], ASSISTANT, run_task)
