@@ -2,17 +2,16 @@
 
 #include "appearance/controls/Divider.h"
 #include "appearance/controls/OrvoButton.h"
-#include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/Paragraph.h"
 #include "appearance/controls/Spinner.h"
 #include "appearance/controls/TextLabel.h"
 #include "appearance/controls/TextViewer.h"
+#include "appearance/controls/Well.h"
 #include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "team_runs/ui/ChangeList.h"
 #include "team_runs/ui/CopyReview.h"
 
-#include <QPainter>
 #include <QStackedWidget>
 
 namespace orvo {
@@ -21,18 +20,6 @@ namespace {
 constexpr int headerHeight = 52;
 constexpr int listWidth = 280;
 constexpr int paneHeaderHeight = 28;
-
-// The ground on which texts are read inside a card; its corners follow the card's.
-class Well final : public QWidget {
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.fillRect(rect(), toQColor(rolesOf(this).well));
-    }
-};
 
 }  // namespace
 
@@ -110,7 +97,7 @@ QWidget* ReviewPanel::makePane(const QString& title, TextViewer*& viewer) {
     label->setLineHeight(paneHeaderHeight);
     column->addWidget(label);
     column->addWidget(new Divider);
-    auto* const well = new Well;
+    auto* const well = new Well(Well::Edge::Bare);
     viewer = new TextViewer(title, TextViewer::Lines::Scroll);
     columnIn(well)->addWidget(viewer);
     column->addWidget(well, 1);

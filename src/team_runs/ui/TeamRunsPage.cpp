@@ -29,7 +29,10 @@ namespace {
 constexpr int widestPicker = 560;
 constexpr qsizetype titleCharacters = 70;
 constexpr int cardHeight = 106;
+/// Below the cards, for the bar that scrolls them.
+constexpr int barRoom = 10;
 constexpr int cardGap = 12;
+constexpr int gap = 16;
 constexpr int messageHeight = 24;
 
 }  // namespace
@@ -55,11 +58,13 @@ TeamRunsPage::TeamRunsPage(TeamRuns& teamRuns, Workspace& workspace, Launcher& l
                         "results will appear here."));
     column->addWidget(m_empty);
     m_content = new QWidget;
-    auto* const content = columnIn(m_content, 16);
+    auto* const content = columnIn(m_content);
     content->addWidget(makeRunRow());
+    content->addSpacing(gap);
     content->addWidget(makeCards());
+    content->addSpacing(gap - barRoom);
     m_panel = new ReviewPanel(*m_review);
-    m_message = new ElidedLabel(QString(), TypeRole::SmallControl);
+    m_message = new ElidedLabel(QString(), TypeRole::Caption);
     m_message->setLineHeight(messageHeight);
     auto* const area = columnIn(nullptr, 0);
     area->addWidget(m_panel, 1);
@@ -106,7 +111,8 @@ QWidget* TeamRunsPage::makeCards() {
     m_cardRow = rowIn(host, cardGap);
     m_cardRow->addStretch();
     m_cardArea = scrolling(host);
-    m_cardArea->setFixedHeight(cardHeight);
+    m_cardRow->setContentsMargins(0, 0, 0, barRoom);
+    m_cardArea->setFixedHeight(cardHeight + barRoom);
     m_cardArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_cardArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_cardArea->viewport()->installEventFilter(this);

@@ -2,6 +2,7 @@
 
 #include "appearance/controls/Notice.h"
 #include "appearance/controls/layouts.h"
+#include "history/ui/HistoryPage.h"
 #include "platform/observe.h"
 #include "team_runs/ui/TeamRunsPage.h"
 #include "workspace/Workspace.h"
@@ -48,6 +49,7 @@ QWidget* OrvoRoot::makePage(Destination destination) {
     if (destination == Destination::Workspace) return new WorkspaceView(m_workspace, m_theme, m_launcher);
     if (destination == Destination::Runs && m_engines.teamRuns)
         return new TeamRunsPage(*m_engines.teamRuns, m_workspace, m_launcher);
+    if (destination == Destination::History) return new HistoryPage(m_workspace);
     return makePlaceholderPage(destination);
 }
 

@@ -1,0 +1,22 @@
+#include "appearance/controls/Well.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+
+#include <QPainter>
+
+namespace orvo {
+
+void Well::paintEvent(QPaintEvent*) {
+    constexpr double radius = 8;
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    if (m_edge == Edge::Bare) {
+        painter.fillRect(rect(), toQColor(roles.well));
+        return;
+    }
+    fillRounded(painter, rect(), radius, toQColor(roles.well));
+    strokeRounded(painter, rect(), radius, toQColor(roles.border));
+}
+
+}  // namespace orvo

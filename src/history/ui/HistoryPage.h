@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QUuid>
+#include <QWidget>
+
+#include <optional>
+
+class QBoxLayout;
+
+namespace orvo {
+
+class Card;
+class ElidedLabel;
+class HistoryRow;
+class IconTile;
+class OrvoButton;
+class TextField;
+class TextViewer;
+class Workspace;
+struct HistoryEntry;
+
+/// The finished sessions that are kept: a list to search in, and the text of one of them.
+class HistoryPage final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The workspace outlives the page.
+    explicit HistoryPage(Workspace& workspace, QWidget* parent = nullptr);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QWidget* makeList();
+    QWidget* makeDetail();
+    QWidget* makeDetailHeader();
+    /// The session being read: the chosen one while it is there, else the newest.
+    const HistoryEntry* shownEntry() const;
+    bool isListed(const HistoryEntry& entry) const;
+    QString connectorName(const HistoryEntry& entry) const;
+    void refreshEntries();
+    void refreshDetail();
+    void clearHistory();
+    void exportShown();
+    void openFolder();
+
+    Workspace& m_workspace;
+    std::optional<QUuid> m_selected;
+    OrvoButton* m_clear = nullptr;
+    QWidget* m_empty = nullptr;
+    QWidget* m_columns = nullptr;
+    Card* m_listCard = nullptr;
+    TextField* m_query = nullptr;
+    QBoxLayout* m_rows = nullptr;
+    QWidget* m_nothingFound = nullptr;
+    QList<std::pair<QUuid, HistoryRow*>> m_rowOf;
+    IconTile* m_tile = nullptr;
+    ElidedLabel* m_title = nullptr;
+    ElidedLabel* m_details = nullptr;
+    TextViewer* m_output = nullptr;
+};
+
+}  // namespace orvo

@@ -1,0 +1,65 @@
+#include "history/ui/HistoryRow.h"
+
+#include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/painting.h"
+#include "appearance/controls/typography.h"
+
+#include <QPainter>
+
+namespace orvo {
+namespace {
+
+constexpr int padding = 10;
+constexpr int connectorPixels = 10;
+// Baseline boxes of the three lines within the 64 of the row.
+constexpr int connectorTop = 8;
+constexpr int titleTop = 22;
+constexpr int dateTop = 42;
+constexpr int smallLine = 14;
+constexpr int titleLine = 18;
+
+}  // namespace
+
+HistoryRow::HistoryRow(const Lines& lines, QWidget* parent) : Pressable(lines.title, parent), m_lines(lines) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAccessibleDescription(QStringLiteral("%1, %2, %3").arg(lines.connector, lines.date, lines.exit));
+    setToolTip(lines.title.left(400).toHtmlEscaped());
+}
+
+void HistoryRow::setCurrent(bool current) {
+    if (m_current == current) return;
+    m_current = current;
+    update();
+}
+
+void HistoryRow::paintEvent(QPaintEvent*) {
+    const Roles& roles = rolesOf(this);
+    QPainter painter(this);
+    QColor fill = blended(Qt::transparent, toQColor(roles.hover), hover());
+    if (isDown()) fill = toQColor(roles.pressed);
+    if (m_current) fill = toQColor(roles.selected);
+    fillRounded(painter, rect(), 8, fill);
+    if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
+
+    const int room = width() - 2 * padding;
+    const auto line = [&](const QFont& font, Rgb color, int top, int height, const QString& text,
+                          Qt::Alignment side, int width) {
+        painter.setFont(font);
+        painter.setPen(toQColor(color));
+        const QString shown =
+            QFontMetrics(font).elidedText(text.left(400).simplified(), Qt::ElideRight, width);
+        painter.drawText(QRect(padding, top, room, height), side | Qt::AlignVCenter | Qt::TextSingleLine,
+                         shown);
+    };
+    QFont connector = fontOf(TypeRole::Badge);
+    connector.setPixelSize(connectorPixels);
+    const QFont caption = fontOf(TypeRole::Caption);
+    const Rgb muted = m_current ? roles.mutedOnSelected : roles.muted;
+    const int exitWidth = QFontMetrics(caption).horizontalAdvance(m_lines.exit);
+    line(connector, roles.accent, connectorTop, smallLine, m_lines.connector, Qt::AlignLeft, room);
+    line(fontOf(TypeRole::Control), roles.text, titleTop, titleLine, m_lines.title, Qt::AlignLeft, room);
+    line(caption, muted, dateTop, smallLine, m_lines.date, Qt::AlignLeft, room - exitWidth - padding);
+    line(caption, muted, dateTop, smallLine, m_lines.exit, Qt::AlignRight, room);
+}
+
+}  // namespace orvo
