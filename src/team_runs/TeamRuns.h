@@ -55,6 +55,9 @@ public:
     /// record. For models that keep things; called once.
     void loadTeamRuns();
 
+    /// Where runs are kept; may not exist yet.
+    const FilePath& runsFolder() const { return m_runsFolder; }
+
     /// Copies the project and starts one session per provider. Ignored while another run is being prepared.
     /// Without `storage`, the run is kept in the runs folder.
     void startTeamRun(const QString& task, const QList<Provider>& providers, const FilePath& project,

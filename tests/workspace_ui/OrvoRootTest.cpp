@@ -105,7 +105,7 @@ TEST_F(OrvoRootTest, theNoticeFollowsTheModel) {
     EXPECT_TRUE(test::waitFor([&] { return !notice->isVisible(); }));
 }
 
-TEST_F(OrvoRootTest, theConnectorSheetFollowsTheModelAndEscapeDismissesIt) {
+TEST_F(OrvoRootTest, theConnectorViewFollowsTheModelAndEscapeDismissesIt) {
     screen();
     workspace().editConnector(workspace().assistants().provider(QStringLiteral("codex")));
     EXPECT_TRUE(test::shows(screen(), QStringLiteral("Configure Codex")));

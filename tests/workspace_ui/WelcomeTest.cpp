@@ -1,6 +1,6 @@
 #include "appearance/controls/ActionCard.h"
 #include "appearance/controls/OrvoButton.h"
-#include "workspace/ui/ProviderCard.h"
+#include "assistants/ui/ProviderCard.h"
 #include "workspace_ui/ScreenFixture.h"
 
 namespace orvo {

@@ -138,7 +138,17 @@ public:
                      .replace(u' ', u'-')
                      .toUtf8());
         }
-        takeTeamRuns();
+        if (wants("team-runs")) takeTeamRuns();
+        if (wants("deck")) takeDecks();
+    }
+
+private:
+    /// Whether a state whose name begins like this may be asked for; saves making what nobody looks at.
+    bool wants(const QByteArray& beginning) const {
+        return m_only.startsWith(beginning) || beginning.startsWith(m_only);
+    }
+
+    void takeDecks() {
         workspace().setDestination(Destination::Workspace);
         for (const std::size_t count : {1u, 2u, 4u, 12u}) {
             while (workspace().sessions().size() < count)
@@ -152,7 +162,6 @@ public:
         take("deck-focus");
     }
 
-private:
     Workspace& workspace() { return m_application->workspace(); }
 
     QWidget* named(const char* name) {

@@ -77,7 +77,8 @@ void OrvoButton::setMenu(QMenu* menu) {
 QSize OrvoButton::sizeHint() const {
     const Measures m = measuresOf(m_size);
     if (isSquare()) return {m.height, m.height};
-    int width = 2 * m.padding + fontMetrics().horizontalAdvance(title());
+    const int padding = m_kind == Kind::Link ? 0 : m.padding;
+    int width = 2 * padding + fontMetrics().horizontalAdvance(title());
     if (!m_icon.isEmpty()) width += m.icon + m.gap;
     return {width, m.height};
 }
@@ -91,6 +92,8 @@ QColor OrvoButton::inkNow() const {
             return toQColor(roles.onDanger);
         case Kind::Destructive:
             return toQColor(roles.danger);
+        case Kind::Link:
+            return blended(toQColor(roles.accent), toQColor(roles.accentHover), hover());
         case Kind::Outlined:
             return toQColor(roles.text);
         case Kind::Plain:
@@ -127,7 +130,9 @@ void OrvoButton::paintBox(QPainter& painter) const {
     }
     const bool danger = m_kind == Kind::Destructive;
     const QColor clear(Qt::transparent);
-    const QColor fill = isDown()
+    const bool link = m_kind == Kind::Link;
+    const QColor fill = link ? clear
+                        : isDown()
                             ? toQColor(danger ? roles.dangerPressed : roles.pressed)
                             : blended(clear, toQColor(danger ? roles.dangerHover : roles.hover), hover());
     fillRounded(painter, box, radius, fill);

@@ -21,6 +21,8 @@ public:
         DestructiveFilled,
         /// Without border, muted until pointed at.
         Plain,
+        /// Accent text that leads out of the application; as wide as its words.
+        Link,
         /// A square with a symbol alone; the title is its accessible name and its tooltip.
         Icon,
         IconOutlined,

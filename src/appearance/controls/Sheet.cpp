@@ -4,6 +4,7 @@
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/Pressable.h"
 #include "appearance/controls/painting.h"
+#include "appearance/controls/readingOrder.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -151,19 +152,7 @@ void Sheet::placePanel() {
 }
 
 bool Sheet::focusNextPrevChild(bool next) {
-    // The way of Tab through the window is a ring; walk on until it comes by the panel again.
-    QWidget* start = window()->focusWidget();
-    if (!start || !isWithin(start)) start = this;
-    QWidget* at = start;
-    do {
-        at = next ? at->nextInFocusChain() : at->previousInFocusChain();
-        const bool reachable = at != this && isWithin(at) && at->isVisibleTo(this) && at->isEnabled() &&
-                               (at->focusPolicy() & Qt::TabFocus) != 0;
-        if (reachable) {
-            at->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-            return true;
-        }
-    } while (at != start);
+    focusNeighbour(*m_panel, next);
     return true;
 }
 

@@ -2,16 +2,21 @@
 
 #include "appearance/controls/Notice.h"
 #include "appearance/controls/layouts.h"
-#include "history/ui/HistoryPage.h"
+#include "appearance/controls/readingOrder.h"
+#include "appearance/ui/AppearanceView.h"
+#include "assistants/ui/AssistantsView.h"
+#include "assistants/ui/ConnectorView.h"
+#include "history/ui/HistoryView.h"
 #include "platform/observe.h"
-#include "team_runs/ui/TeamRunsPage.h"
+#include "team_runs/TeamRuns.h"
+#include "team_runs/ui/TeamRunsView.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/ConnectorSheet.h"
 #include "workspace/ui/HeaderBar.h"
 #include "workspace/ui/PlaceholderPage.h"
 #include "workspace/ui/Sidebar.h"
 #include "workspace/ui/StatusBar.h"
 #include "workspace/ui/WorkspaceView.h"
+#include "workspace/ui/version.h"
 
 #include <QStackedWidget>
 
@@ -37,20 +42,45 @@ OrvoRoot::OrvoRoot(Workspace& workspace, Theme& theme, Launcher& launcher, const
 
     observe(m_workspace, {&Workspace::destinationChanged}, this, [this] { refreshPage(); });
     observe(m_workspace, {&Workspace::toastChanged}, this, [this] { refreshNotice(); });
-    observe(m_workspace, {&Workspace::presentConnectorChanged}, this, [this] { refreshConnectorSheet(); });
+    observe(m_workspace, {&Workspace::presentConnectorChanged}, this, [this] { refreshConnectorView(); });
 }
 
 OrvoRoot::~OrvoRoot() {
     // An open sheet is dismissed when its window hides, and that would reach what is destroyed here.
-    delete m_connectorSheet;
+    delete m_connectorView;
+}
+
+bool OrvoRoot::focusNextPrevChild(bool next) {
+    return focusNeighbour(*this, next);
 }
 
 QWidget* OrvoRoot::makePage(Destination destination) {
-    if (destination == Destination::Workspace) return new WorkspaceView(m_workspace, m_theme, m_launcher);
-    if (destination == Destination::Runs && m_engines.teamRuns)
-        return new TeamRunsPage(*m_engines.teamRuns, m_workspace, m_launcher);
-    if (destination == Destination::History) return new HistoryPage(m_workspace);
+    switch (destination) {
+        case Destination::Workspace:
+            return new WorkspaceView(m_workspace, m_theme, m_launcher);
+        case Destination::Runs:
+            if (!m_engines.teamRuns) break;
+            return new TeamRunsView(*m_engines.teamRuns, m_workspace, m_launcher);
+        case Destination::Agents:
+            return new AssistantsView(m_workspace, m_launcher);
+        case Destination::History:
+            return new HistoryView(m_workspace);
+        case Destination::Appearance:
+            return new AppearanceView(m_theme);
+        case Destination::Settings:
+            return new SettingsView(m_workspace, m_launcher, settingsFacts());
+        case Destination::Files:
+        case Destination::Mac:
+        case Destination::Companion:
+            break;
+    }
     return makePlaceholderPage(destination);
+}
+
+SettingsView::Facts OrvoRoot::settingsFacts() const {
+    std::optional<FilePath> runs;
+    if (m_engines.teamRuns) runs = m_engines.teamRuns->runsFolder();
+    return {.version = versionText(), .runsFolder = runs};
 }
 
 // A page is made when it is first shown: most starts need one of nine.
@@ -71,19 +101,20 @@ void OrvoRoot::refreshNotice() {
         m_notice->dismiss();
 }
 
-void OrvoRoot::refreshConnectorSheet() {
+void OrvoRoot::refreshConnectorView() {
     if (!m_workspace.presentConnector()) {
-        if (m_connectorSheet) m_connectorSheet->dismiss();
+        if (m_connectorView) m_connectorView->dismiss();
         return;
     }
-    if (m_connectorSheet) return;
-    m_connectorSheet = new ConnectorSheet(m_workspace.editingProvider(), m_workspace, m_launcher, this);
-    connect(m_connectorSheet, &Sheet::dismissed, this, [this, sheet = m_connectorSheet.data()] {
+    if (m_connectorView) return;
+    m_connectorView =
+        new ConnectorView(m_workspace.editingProvider(), m_workspace, m_theme, m_launcher, this);
+    connect(m_connectorView, &Sheet::dismissed, this, [this, sheet = m_connectorView.data()] {
         sheet->deleteLater();
-        m_connectorSheet.clear();
+        m_connectorView.clear();
         m_workspace.dismissConnector();
     });
-    m_connectorSheet->present();
+    m_connectorView->present();
 }
 
 }  // namespace orvo

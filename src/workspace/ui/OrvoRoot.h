@@ -1,5 +1,7 @@
 #pragma once
 
+#include "appearance/ui/SettingsView.h"
+
 #include <QHash>
 #include <QPointer>
 #include <QWidget>
@@ -8,7 +10,7 @@ class QStackedWidget;
 
 namespace orvo {
 
-class ConnectorSheet;
+class ConnectorView;
 class Launcher;
 class Notice;
 class TeamRuns;
@@ -32,11 +34,15 @@ public:
              QWidget* parent = nullptr);
     ~OrvoRoot() override;
 
+protected:
+    bool focusNextPrevChild(bool next) override;
+
 private:
     QWidget* makePage(Destination destination);
+    SettingsView::Facts settingsFacts() const;
     void refreshPage();
     void refreshNotice();
-    void refreshConnectorSheet();
+    void refreshConnectorView();
 
     Workspace& m_workspace;
     Theme& m_theme;
@@ -45,7 +51,7 @@ private:
     QStackedWidget* m_pages;
     QHash<Destination, QWidget*> m_pageOf;
     Notice* m_notice;
-    QPointer<ConnectorSheet> m_connectorSheet;
+    QPointer<ConnectorView> m_connectorView;
 };
 
 }  // namespace orvo

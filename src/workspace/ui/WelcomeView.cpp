@@ -6,9 +6,8 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/Symbol.h"
 #include "appearance/controls/layouts.h"
-#include "platform/observe.h"
+#include "assistants/ui/ProviderGrid.h"
 #include "workspace/Workspace.h"
-#include "workspace/ui/ProviderCard.h"
 #include "workspace/ui/WelcomeHero.h"
 
 #include <array>
@@ -56,8 +55,6 @@ WelcomeView::WelcomeView(Workspace& workspace, Launcher& launcher, QWidget* pare
     column->addSpacing(24);
     column->addWidget(makeTools());
     column->addStretch(1);
-
-    observe(m_workspace.assistants(), {&Assistants::providersChanged}, this, [this] { refreshTools(); });
 }
 
 QWidget* WelcomeView::makeIdeas() {
@@ -90,10 +87,10 @@ QWidget* WelcomeView::makeTools() {
     heading->addWidget(viewAll);
     column->addLayout(heading);
 
-    m_tools = new QWidget;
-    m_toolGrid = new FlowGrid(compactCardWidth, gap, m_tools);
-    m_toolGrid->setContentsMargins(0, 0, margin, 0);
-    column->addWidget(m_tools);
+    auto* const tools =
+        new ProviderGrid(ProviderCard::Form::Compact, compactCardWidth, m_workspace, m_launcher);
+    tools->grid().setContentsMargins(0, 0, margin, 0);
+    column->addWidget(tools);
 
     auto* const note = rowIn(nullptr, 6, QMargins(0, 2, margin, 0));
     note->addWidget(new Symbol(QStringLiteral("plus.circle"), 14, Ink::Muted));
@@ -102,14 +99,6 @@ QWidget* WelcomeView::makeTools() {
                     1);
     column->addLayout(note);
     return section;
-}
-
-void WelcomeView::refreshTools() {
-    emptyLayout(*m_toolGrid);
-    for (const Provider& provider : m_workspace.assistants().providers()) {
-        m_toolGrid->addWidget(
-            new ProviderCard(provider, ProviderCard::Form::Compact, m_workspace, m_launcher, m_tools));
-    }
 }
 
 }  // namespace orvo

@@ -4,7 +4,6 @@
 
 namespace orvo {
 
-class FlowGrid;
 class Launcher;
 class Workspace;
 
@@ -18,12 +17,9 @@ public:
 private:
     QWidget* makeIdeas();
     QWidget* makeTools();
-    void refreshTools();
 
     Workspace& m_workspace;
     Launcher& m_launcher;
-    QWidget* m_tools = nullptr;
-    FlowGrid* m_toolGrid = nullptr;
 };
 
 }  // namespace orvo

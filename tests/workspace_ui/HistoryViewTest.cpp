@@ -13,7 +13,7 @@ QString text(const char* utf8) {
     return QString::fromUtf8(utf8);
 }
 
-class HistoryPageTest : public ScreenFixture {
+class HistoryViewTest : public ScreenFixture {
 protected:
     void record(const char* provider, const QString& title, const QString& output, int exitCode = 0) {
         HistoryEntry entry;
@@ -39,14 +39,14 @@ protected:
     QString output() { return find<QPlainTextEdit>(screen(), text("Saved output"))->toPlainText(); }
 };
 
-TEST_F(HistoryPageTest, TellsOfAnEmptyHistory) {
+TEST_F(HistoryViewTest, TellsOfAnEmptyHistory) {
     openPage();
     EXPECT_TRUE(shows(screen(), text("Pick up the thread.")));
     EXPECT_TRUE(shows(screen(), text("Your next session starts the story.")));
     EXPECT_FALSE(find<QAbstractButton>(screen(), text("Clear history"))->isEnabled());
 }
 
-TEST_F(HistoryPageTest, ListsSessionsAndSearchesTitlesAndConnectors) {
+TEST_F(HistoryViewTest, ListsSessionsAndSearchesTitlesAndConnectors) {
     record("codex", text("Add search"), text("codex wrote this"));
     record("claude", text("Review <b>all</b> & more"), text("nothing about codeX"), 2);
     record("gone", text("CODEX by title"), QString());
@@ -66,7 +66,7 @@ TEST_F(HistoryPageTest, ListsSessionsAndSearchesTitlesAndConnectors) {
         text("Codex  ·  %1  ·  22 Nov 2026  ·  Exit 0").arg(makeProject(text("old-project")).display())));
 }
 
-TEST_F(HistoryPageTest, ReadsTheNewestWhenTheChosenOneIsGone) {
+TEST_F(HistoryViewTest, ReadsTheNewestWhenTheChosenOneIsGone) {
     record("codex", text("first"), text("first output"));
     record("codex", text("second"), text("second output"));
     openPage();
@@ -77,7 +77,7 @@ TEST_F(HistoryPageTest, ReadsTheNewestWhenTheChosenOneIsGone) {
     EXPECT_EQ(output(), text("later output"));
 }
 
-TEST_F(HistoryPageTest, ClearsOnlyAfterTheQuestion) {
+TEST_F(HistoryViewTest, ClearsOnlyAfterTheQuestion) {
     record("codex", text("kept"), text("x"));
     openPage();
     m_dialogs.answer(text("Cancel"));
@@ -90,7 +90,7 @@ TEST_F(HistoryPageTest, ClearsOnlyAfterTheQuestion) {
     EXPECT_EQ(workspace().toast(), text("Orvo history cleared."));
 }
 
-TEST_F(HistoryPageTest, ExportsTheTextAndOpensTheFolder) {
+TEST_F(HistoryViewTest, ExportsTheTextAndOpensTheFolder) {
     record("codex", text("done"), text("the whole text"));
     openPage();
     const FilePath file = FilePath::fromString(m_folder.filePath(text("out.txt")));
@@ -112,7 +112,7 @@ TEST_F(HistoryPageTest, ExportsTheTextAndOpensTheFolder) {
     EXPECT_EQ(workspace().folder(), makeProject(text("old-project")));
 }
 
-TEST_F(HistoryPageTest, ShowsLongTextsWithoutStretchingOrStalling) {
+TEST_F(HistoryViewTest, ShowsLongTextsWithoutStretchingOrStalling) {
     record("codex", QString(10'000, u'W'), (QString(79, u'x') + u'\n').repeated(750));
     record("codex", text("one line"), QString(60'000, u'y'));
     openPage();

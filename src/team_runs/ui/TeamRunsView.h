@@ -22,13 +22,13 @@ struct RunCopy;
 struct TeamRun;
 
 /// The recorded runs: one card per assistant's copy, and the review of one of them.
-class TeamRunsPage final : public QWidget {
+class TeamRunsView final : public QWidget {
     Q_OBJECT
 
 public:
     /// The references outlive the page.
-    TeamRunsPage(TeamRuns& teamRuns, Workspace& workspace, Launcher& launcher, QWidget* parent = nullptr);
-    ~TeamRunsPage() override;
+    TeamRunsView(TeamRuns& teamRuns, Workspace& workspace, Launcher& launcher, QWidget* parent = nullptr);
+    ~TeamRunsView() override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -22,6 +22,8 @@ public:
     ProviderCard(const Provider& provider, Form form, Workspace& workspace, Launcher& launcher,
                  QWidget* parent = nullptr);
 
+    const Provider& provider() const { return m_provider; }
+
 private:
     void layOutCompact();
     void layOutFull();

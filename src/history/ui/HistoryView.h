@@ -20,12 +20,12 @@ class Workspace;
 struct HistoryEntry;
 
 /// The finished sessions that are kept: a list to search in, and the text of one of them.
-class HistoryPage final : public QWidget {
+class HistoryView final : public QWidget {
     Q_OBJECT
 
 public:
     /// The workspace outlives the page.
-    explicit HistoryPage(Workspace& workspace, QWidget* parent = nullptr);
+    explicit HistoryView(Workspace& workspace, QWidget* parent = nullptr);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -1,4 +1,4 @@
-#include "history/ui/HistoryPage.h"
+#include "history/ui/HistoryView.h"
 
 #include "appearance/controls/ElidedLabel.h"
 #include "appearance/controls/EmptyState.h"
@@ -35,12 +35,12 @@ QString dateOf(const HistoryEntry& entry) {
 }
 
 QString exitOf(const HistoryEntry& entry) {
-    return HistoryPage::tr("Exit %1").arg(entry.exitCode);
+    return HistoryView::tr("Exit %1").arg(entry.exitCode);
 }
 
 }  // namespace
 
-HistoryPage::HistoryPage(Workspace& workspace, QWidget* parent) : QWidget(parent), m_workspace(workspace) {
+HistoryView::HistoryView(Workspace& workspace, QWidget* parent) : QWidget(parent), m_workspace(workspace) {
     constexpr int margin = ScrollPage::margin;
     auto* const column = columnIn(this, 0, QMargins(margin, margin, margin, margin));
     auto* const title = new PageTitle(tr("Session memory"), tr("Pick up the thread."),
@@ -48,7 +48,7 @@ HistoryPage::HistoryPage(Workspace& workspace, QWidget* parent) : QWidget(parent
                                          "Original provider sessions stay "
                                          "in their own tools."));
     m_clear = new OrvoButton(tr("Clear history"), QStringLiteral("trash"));
-    connect(m_clear, &OrvoButton::clicked, this, &HistoryPage::clearHistory);
+    connect(m_clear, &OrvoButton::clicked, this, &HistoryView::clearHistory);
     title->addTrailing(m_clear);
     column->addWidget(title);
     column->addSpacing(20);
@@ -66,7 +66,7 @@ HistoryPage::HistoryPage(Workspace& workspace, QWidget* parent) : QWidget(parent
     observe(m_workspace.assistants(), {&Assistants::providersChanged}, this, [this] { refreshEntries(); });
 }
 
-QWidget* HistoryPage::makeList() {
+QWidget* HistoryView::makeList() {
     m_listCard = new Card;
     auto* const column = columnIn(m_listCard, 8, QMargins(12, 12, 4, 12));
     m_query = new TextField(tr("Search completed sessions…"));
@@ -86,7 +86,7 @@ QWidget* HistoryPage::makeList() {
     return m_listCard;
 }
 
-QWidget* HistoryPage::makeDetail() {
+QWidget* HistoryView::makeDetail() {
     auto* const card = new Card;
     auto* const column = columnIn(card, 0, QMargins(16, 16, 16, 12));
     column->addWidget(makeDetailHeader());
@@ -101,9 +101,9 @@ QWidget* HistoryPage::makeDetail() {
     column->addSpacing(12);
     auto* const actions = rowIn(nullptr, 8);
     auto* const exporting = new OrvoButton(tr("Export"), QStringLiteral("square.and.arrow.up"));
-    connect(exporting, &OrvoButton::clicked, this, &HistoryPage::exportShown);
+    connect(exporting, &OrvoButton::clicked, this, &HistoryView::exportShown);
     auto* const folder = new OrvoButton(tr("Open folder"), QStringLiteral("folder"));
-    connect(folder, &OrvoButton::clicked, this, &HistoryPage::openFolder);
+    connect(folder, &OrvoButton::clicked, this, &HistoryView::openFolder);
     actions->addWidget(exporting);
     actions->addWidget(folder);
     actions->addStretch();
@@ -111,7 +111,7 @@ QWidget* HistoryPage::makeDetail() {
     return card;
 }
 
-QWidget* HistoryPage::makeDetailHeader() {
+QWidget* HistoryView::makeDetailHeader() {
     auto* const header = new QWidget;
     auto* const row = rowIn(header, 12);
     m_tile = new IconTile(QString(), 36);
@@ -126,12 +126,12 @@ QWidget* HistoryPage::makeDetailHeader() {
     return header;
 }
 
-void HistoryPage::resizeEvent(QResizeEvent* event) {
+void HistoryView::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     m_listCard->setFixedWidth(window()->width() >= wideWindow ? wideListWidth : listWidth);
 }
 
-const HistoryEntry* HistoryPage::shownEntry() const {
+const HistoryEntry* HistoryView::shownEntry() const {
     const auto& entries = m_workspace.history().entries();
     if (entries.isEmpty()) return nullptr;
     const auto found =
@@ -139,7 +139,7 @@ const HistoryEntry* HistoryPage::shownEntry() const {
     return found == entries.end() ? &entries.front() : &*found;
 }
 
-bool HistoryPage::isListed(const HistoryEntry& entry) const {
+bool HistoryView::isListed(const HistoryEntry& entry) const {
     const QString query = m_query->text();
     if (query.isEmpty()) return true;
     const QString wanted = QLocale().toLower(query);
@@ -148,12 +148,12 @@ bool HistoryPage::isListed(const HistoryEntry& entry) const {
 }
 
 // As it is named now; a connector that is gone has only its id.
-QString HistoryPage::connectorName(const HistoryEntry& entry) const {
+QString HistoryView::connectorName(const HistoryEntry& entry) const {
     const Provider provider = m_workspace.assistants().provider(entry.provider);
     return provider.id == entry.provider && !provider.name.isEmpty() ? provider.name : entry.provider;
 }
 
-void HistoryPage::refreshEntries() {
+void HistoryView::refreshEntries() {
     const auto& entries = m_workspace.history().entries();
     m_empty->setVisible(entries.isEmpty());
     m_columns->setVisible(!entries.isEmpty());
@@ -175,7 +175,7 @@ void HistoryPage::refreshEntries() {
     refreshDetail();
 }
 
-void HistoryPage::refreshDetail() {
+void HistoryView::refreshDetail() {
     const HistoryEntry* const entry = shownEntry();
     if (!entry) return;
     for (const auto& [id, row] : std::as_const(m_rowOf))
@@ -190,7 +190,7 @@ void HistoryPage::refreshDetail() {
     m_output->setText(entry->output.isEmpty() ? tr("No terminal output was captured.") : entry->output);
 }
 
-void HistoryPage::clearHistory() {
+void HistoryView::clearHistory() {
     const int answer = m_workspace.dialogs().alert(
         {.message = tr("Clear Orvo’s saved history?"),
          .informativeText = tr("Provider session files will remain in their original tools."),
@@ -198,12 +198,12 @@ void HistoryPage::clearHistory() {
     if (answer == 0) m_workspace.clearHistory();
 }
 
-void HistoryPage::exportShown() {
+void HistoryView::exportShown() {
     if (const HistoryEntry* const entry = shownEntry())
         m_workspace.exportText(entry->output, QStringLiteral("Orvo-session.txt"));
 }
 
-void HistoryPage::openFolder() {
+void HistoryView::openFolder() {
     const HistoryEntry* const entry = shownEntry();
     if (!entry) return;
     // A copy: the question below runs an event loop, in which the list may change.

@@ -18,7 +18,7 @@ QString text(const char* utf8) {
     return QString::fromUtf8(utf8);
 }
 
-class TeamRunsPageTest : public ScreenFixture {
+class TeamRunsViewTest : public ScreenFixture {
 protected:
     void write(const QString& path, const QByteArray& content) {
         QDir(m_folder.path()).mkpath(QFileInfo(path).path());
@@ -76,7 +76,7 @@ protected:
     QString textOf(const char* pane) { return find<QPlainTextEdit>(screen(), text(pane))->toPlainText(); }
 };
 
-TEST_F(TeamRunsPageTest, ShowsOnlyHowToBeginWhileThereIsNoRun) {
+TEST_F(TeamRunsViewTest, ShowsOnlyHowToBeginWhileThereIsNoRun) {
     teamRuns();
     workspace().setDestination(Destination::Runs);
     EXPECT_TRUE(shows(screen(), text("Your team’s work, in one place.")));
@@ -84,7 +84,7 @@ TEST_F(TeamRunsPageTest, ShowsOnlyHowToBeginWhileThereIsNoRun) {
     EXPECT_FALSE(shows(screen(), text("Compare with AI")));
 }
 
-TEST_F(TeamRunsPageTest, FollowsEachCopyFromWorkToItsEnd) {
+TEST_F(TeamRunsViewTest, FollowsEachCopyFromWorkToItsEnd) {
     run({"exit 0", "exit 2", "read -r line < /dev/tty"});
     workspace().setDestination(Destination::Runs);
     ASSERT_TRUE(waitFor([&] { return shows(screen(), text("Needs attention · exit 2")); }));
@@ -96,7 +96,7 @@ TEST_F(TeamRunsPageTest, FollowsEachCopyFromWorkToItsEnd) {
     EXPECT_TRUE(waitFor([&] { return !shows(screen(), text("Working…")); }));
 }
 
-TEST_F(TeamRunsPageTest, ComparesAndAppliesTheFilesThatAreTicked) {
+TEST_F(TeamRunsViewTest, ComparesAndAppliesTheFilesThatAreTicked) {
     run({"echo more >> a.txt; echo new > d.txt; rm c.txt; echo done"});
     finish();
     reviewFirst();
@@ -138,7 +138,7 @@ TEST_F(TeamRunsPageTest, ComparesAndAppliesTheFilesThatAreTicked) {
     }));
 }
 
-TEST_F(TeamRunsPageTest, AppliesNothingWhileTheAssistantWorks) {
+TEST_F(TeamRunsViewTest, AppliesNothingWhileTheAssistantWorks) {
     run({"echo more >> a.txt; echo $$ > ready; read -r line < /dev/tty"});
     ASSERT_TRUE(waitFor([&] {
         return QFile::exists(
@@ -155,7 +155,7 @@ TEST_F(TeamRunsPageTest, AppliesNothingWhileTheAssistantWorks) {
     ASSERT_TRUE(waitFor([&] { return !workspace().anySessionRunning(); }));
 }
 
-TEST_F(TeamRunsPageTest, SaysWhenNothingChangedOrTheCopyIsGone) {
+TEST_F(TeamRunsViewTest, SaysWhenNothingChangedOrTheCopyIsGone) {
     run({"true"});
     finish();
     reviewFirst();
@@ -169,7 +169,7 @@ TEST_F(TeamRunsPageTest, SaysWhenNothingChangedOrTheCopyIsGone) {
     EXPECT_TRUE(shows(screen(), text("0 changed files")));
 }
 
-TEST_F(TeamRunsPageTest, ShowsTheLiveTerminalOrElseTheRecordedOutput) {
+TEST_F(TeamRunsViewTest, ShowsTheLiveTerminalOrElseTheRecordedOutput) {
     run({"echo a result to read"});
     finish();
     press(text("Output"));
@@ -183,7 +183,7 @@ TEST_F(TeamRunsPageTest, ShowsTheLiveTerminalOrElseTheRecordedOutput) {
     EXPECT_TRUE(waitFor([&] { return !shows(screen(), text("Done")); }));
 }
 
-TEST_F(TeamRunsPageTest, ListsRunsByTheBeginningOfTheirTasks) {
+TEST_F(TeamRunsViewTest, ListsRunsByTheBeginningOfTheirTasks) {
     run({"true"}, QString(text("<b>x</b> & ")) + QString(100, u'y'));
     finish();
     auto* const picker = screen().findChild<QComboBox*>();
@@ -200,7 +200,7 @@ TEST_F(TeamRunsPageTest, ListsRunsByTheBeginningOfTheirTasks) {
     EXPECT_EQ(teamRuns().selectedRunID(), teamRuns().teamRuns()[1].id);
 }
 
-TEST_F(TeamRunsPageTest, RowsAreCheckBoxesToAssistiveTechnology) {
+TEST_F(TeamRunsViewTest, RowsAreCheckBoxesToAssistiveTechnology) {
     run({"echo more >> a.txt; echo more >> b.txt"});
     finish();
     reviewFirst();
@@ -226,7 +226,7 @@ TEST_F(TeamRunsPageTest, RowsAreCheckBoxesToAssistiveTechnology) {
     EXPECT_TRUE(waitFor([&] { return textOf("Before") == text("one\n"); }));
 }
 
-TEST_F(TeamRunsPageTest, NamesOddFilesPlainlyAndOpensNoPipe) {
+TEST_F(TeamRunsViewTest, NamesOddFilesPlainlyAndOpensNoPipe) {
     run(
         {"mkdir '<b>x'; echo y > '<b>x/&amp; z'; printf x > \"$(printf 'line\\nfeed')\"; rm a.txt; "
          "mkfifo a.txt"});
@@ -240,7 +240,7 @@ TEST_F(TeamRunsPageTest, NamesOddFilesPlainlyAndOpensNoPipe) {
     EXPECT_TRUE(waitFor([&] { return textOf("Before") == text("one\n"); }));
 }
 
-TEST_F(TeamRunsPageTest, FiveThousandChangesStayWithinAFewFrames) {
+TEST_F(TeamRunsViewTest, FiveThousandChangesStayWithinAFewFrames) {
     run({"i=0; while [ $i -lt 4900 ]; do : > file$i; i=$((i+1)); done"});
     finish();
     reviewFirst();

@@ -1,4 +1,4 @@
-#include "team_runs/ui/TeamRunsPage.h"
+#include "team_runs/ui/TeamRunsView.h"
 
 #include "appearance/controls/ElidedLabel.h"
 #include "appearance/controls/InfoCard.h"
@@ -37,7 +37,7 @@ constexpr int messageHeight = 24;
 
 }  // namespace
 
-TeamRunsPage::TeamRunsPage(TeamRuns& teamRuns, Workspace& workspace, Launcher& launcher, QWidget* parent)
+TeamRunsView::TeamRunsView(TeamRuns& teamRuns, Workspace& workspace, Launcher& launcher, QWidget* parent)
     : QWidget(parent),
       m_teamRuns(teamRuns),
       m_workspace(workspace),
@@ -82,11 +82,11 @@ TeamRunsPage::TeamRunsPage(TeamRuns& teamRuns, Workspace& workspace, Launcher& l
             [this] { refreshReviewed(); });
 }
 
-TeamRunsPage::~TeamRunsPage() {
+TeamRunsView::~TeamRunsView() {
     delete m_outputSheet;
 }
 
-QWidget* TeamRunsPage::makeRunRow() {
+QWidget* TeamRunsView::makeRunRow() {
     auto* const host = new QWidget;
     auto* const row = rowIn(host, 8);
     m_picker = new QComboBox;
@@ -99,14 +99,14 @@ QWidget* TeamRunsPage::makeRunRow() {
     connect(m_picker, &QComboBox::activated, this,
             [this](int index) { m_teamRuns.setSelectedRunID(m_picker->itemData(index).toUuid()); });
     m_compare = new OrvoButton(tr("Compare with AI"), QStringLiteral("sparkles"));
-    connect(m_compare, &OrvoButton::clicked, this, &TeamRunsPage::compare);
+    connect(m_compare, &OrvoButton::clicked, this, &TeamRunsView::compare);
     row->addWidget(m_picker, 1);
     row->addWidget(m_compare);
     row->addStretch(0);
     return host;
 }
 
-QWidget* TeamRunsPage::makeCards() {
+QWidget* TeamRunsView::makeCards() {
     auto* const host = new QWidget;
     m_cardRow = rowIn(host, cardGap);
     m_cardRow->addStretch();
@@ -120,7 +120,7 @@ QWidget* TeamRunsPage::makeCards() {
 }
 
 // The row of cards scrolls sideways with an ordinary wheel too.
-bool TeamRunsPage::eventFilter(QObject* watched, QEvent* event) {
+bool TeamRunsView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Wheel) {
         auto* const wheel = static_cast<QWheelEvent*>(event);
         const QPoint angle = wheel->angleDelta();
@@ -132,7 +132,7 @@ bool TeamRunsPage::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-std::optional<TeamRun> TeamRunsPage::shownRun() const {
+std::optional<TeamRun> TeamRunsView::shownRun() const {
     const auto& runs = m_teamRuns.teamRuns();
     if (runs.isEmpty()) return std::nullopt;
     const auto& selected = m_teamRuns.selectedRunID();
@@ -140,7 +140,7 @@ std::optional<TeamRun> TeamRunsPage::shownRun() const {
     return run ? run : runs.front();
 }
 
-void TeamRunsPage::refreshUnfinished() {
+void TeamRunsView::refreshUnfinished() {
     emptyLayout(*m_unfinished);
     for (const RunFiles::UnfinishedApply& apply : m_teamRuns.unfinishedApplies()) {
         m_unfinished->addWidget(new InfoCard(QStringLiteral("exclamationmark.triangle"),
@@ -149,7 +149,7 @@ void TeamRunsPage::refreshUnfinished() {
     if (m_unfinished->count() > 0) m_unfinished->addSpacing(4);
 }
 
-void TeamRunsPage::refreshRuns() {
+void TeamRunsView::refreshRuns() {
     const auto run = shownRun();
     m_empty->setVisible(!run);
     m_content->setVisible(run.has_value());
@@ -158,7 +158,7 @@ void TeamRunsPage::refreshRuns() {
     refreshCards();
 }
 
-void TeamRunsPage::refreshPicker() {
+void TeamRunsView::refreshPicker() {
     const QSignalBlocker quiet(m_picker);
     m_picker->clear();
     for (const TeamRun& run : m_teamRuns.teamRuns())
@@ -168,7 +168,7 @@ void TeamRunsPage::refreshPicker() {
 }
 
 // Cards are made anew only when there are others; a state that changed is shown on the card there is.
-void TeamRunsPage::refreshCards() {
+void TeamRunsView::refreshCards() {
     const auto run = shownRun();
     const QList<RunCopy> copies = run ? run->copies : QList<RunCopy>();
     const bool same = std::ranges::equal(m_cards, copies, [](const CopyCard* card, const RunCopy& copy) {
@@ -194,12 +194,12 @@ void TeamRunsPage::refreshCards() {
     refreshReviewed();
 }
 
-void TeamRunsPage::refreshCardStates() {
+void TeamRunsView::refreshCardStates() {
     for (CopyCard* const card : std::as_const(m_cards))
         card->refresh(card->copy());
 }
 
-void TeamRunsPage::refreshReviewed() {
+void TeamRunsView::refreshReviewed() {
     const auto& reviewed = m_review->copy();
     m_panel->setVisible(reviewed.has_value());
     m_message->setText(m_review->message());
@@ -210,11 +210,11 @@ void TeamRunsPage::refreshReviewed() {
     }
 }
 
-void TeamRunsPage::compare() {
+void TeamRunsView::compare() {
     if (const auto run = shownRun()) m_teamRuns.summarizeRun(*run);
 }
 
-void TeamRunsPage::showOutput(const RunCopy& copy) {
+void TeamRunsView::showOutput(const RunCopy& copy) {
     if (copy.session && m_workspace.session(*copy.session)) {
         m_workspace.focusSession(*copy.session);
         return;

@@ -1,4 +1,4 @@
-#include "workspace/ui/ProviderCard.h"
+#include "assistants/ui/ProviderCard.h"
 
 #include "appearance/controls/Divider.h"
 #include "appearance/controls/ElidedLabel.h"
