@@ -20,6 +20,15 @@ struct Alert {
     Default defaultButton = Default::LastButton;
 };
 
+/// One existing file to choose.
+struct OpenPanel {
+    QString message;
+    /// Where to begin; where the person last was when there is none.
+    std::optional<FilePath> folder;
+    /// Patterns such as "*.png"; without any, every file can be chosen.
+    QStringList patterns;
+};
+
 /// Questions put to the person. Each call blocks (with a running event loop) until answered. Main thread
 /// only.
 class Dialogs {
@@ -30,6 +39,8 @@ public:
     virtual int alert(const Alert& alert) = 0;
     /// One existing folder, or nothing when cancelled.
     virtual std::optional<FilePath> openFolder(const QString& message) = 0;
+    /// One existing file, or nothing when cancelled.
+    virtual std::optional<FilePath> openFile(const OpenPanel& panel) = 0;
     /// A place to save to, or nothing when cancelled. The platform asks before replacing a file.
     virtual std::optional<FilePath> saveFile(const QString& proposedName,
                                              const std::optional<FilePath>& folder) = 0;

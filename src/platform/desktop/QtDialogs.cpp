@@ -22,6 +22,14 @@ std::optional<FilePath> QtDialogs::openFolder(const QString& message) {
     return chosen(panel);
 }
 
+std::optional<FilePath> QtDialogs::openFile(const OpenPanel& wanted) {
+    QFileDialog panel(QApplication::activeWindow(), wanted.message);
+    panel.setFileMode(QFileDialog::ExistingFile);
+    if (wanted.folder) panel.setDirectory(wanted.folder->display());
+    if (!wanted.patterns.isEmpty()) panel.setNameFilter(wanted.patterns.join(u' '));
+    return chosen(panel);
+}
+
 std::optional<FilePath> QtDialogs::saveFile(const QString& proposedName,
                                             const std::optional<FilePath>& folder) {
     QFileDialog panel(QApplication::activeWindow(), tr("Save"));

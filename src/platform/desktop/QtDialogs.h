@@ -20,6 +20,7 @@ public:
 
     int alert(const Alert& alert) override { return m_present(alert); }
     std::optional<FilePath> openFolder(const QString& message) override;
+    std::optional<FilePath> openFile(const OpenPanel& panel) override;
     std::optional<FilePath> saveFile(const QString& proposedName,
                                      const std::optional<FilePath>& folder) override;
 

@@ -43,6 +43,11 @@ std::optional<FilePath> FakeDialogs::openFolder(const QString& message) {
     return take(m_folders, "folder panel", message);
 }
 
+std::optional<FilePath> FakeDialogs::openFile(const OpenPanel& panel) {
+    m_openPanels.append(panel);
+    return take(m_opened, "open panel", panel.message);
+}
+
 std::optional<FilePath> FakeDialogs::saveFile(const QString& proposedName,
                                               const std::optional<FilePath>& folder) {
     m_savePanels.append({proposedName, folder});
