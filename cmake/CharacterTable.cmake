@@ -10,6 +10,7 @@ function(orvo_character_table target kind)
     OUTPUT "${table}"
     COMMAND Python3::Interpreter "${generator}" ${kind} "${ORVO_UNICODE_DATA}" "${table}"
     DEPENDS "${generator}" "${ORVO_UNICODE_DATA}/UnicodeData.txt" "${ORVO_UNICODE_DATA}/PropList.txt"
+      "${ORVO_UNICODE_DATA}/EastAsianWidth.txt" "${ORVO_UNICODE_DATA}/emoji/emoji-data.txt"
     COMMENT "Making the table of character ${kind}"
     VERBATIM)
   target_sources(${target} PRIVATE "${table}")

@@ -3,7 +3,8 @@
 
 usage: generate_character_table.py properties|letters UNICODE_FOLDER OUTPUT
 
-UNICODE_FOLDER holds UnicodeData.txt and PropList.txt (Debian package unicode-data).
+UNICODE_FOLDER holds UnicodeData.txt, PropList.txt, EastAsianWidth.txt and emoji/emoji-data.txt (Debian package
+unicode-data).
 
 properties: what the terminal looks every scalar up in; one byte a page of 256 scalars that numbers the page, and
 the distinct pages of property bytes.
@@ -19,6 +20,16 @@ PAGE = 256
 NONSPACING_MARK = 1
 WIDE = 2
 WHITE_SPACE = 4
+EMOJI = 8
+EMOJI_MODIFIER = 16
+REGIONAL_INDICATOR = 32
+JOINER = 64
+TAG = 128
+
+REGIONAL_INDICATORS = (0x1F1E6, 0x1F1FF)
+TAGS = (0xE0020, 0xE007F)
+# The zero width joiner, and the enclosing keycap.
+JOINERS = (0x200D, 0x20E3)
 
 # Blocks whose characters take two cells, unassigned ones included.
 WIDE_RANGES = [
@@ -70,6 +81,23 @@ def properties(source):
             mark(table, first, last, NONSPACING_MARK)
     for first, last in WIDE_RANGES:
         mark(table, first, last, WIDE)
+    for width in ("W", "F"):
+        for first, last in property_ranges(source / "EastAsianWidth.txt", width):
+            mark(table, first, last, WIDE)
+    emoji_data = source / "emoji" / "emoji-data.txt"
+    for first, last in property_ranges(emoji_data, "Emoji"):
+        mark(table, max(first, 0x80), last, EMOJI)
+    for first, last in property_ranges(emoji_data, "Emoji_Modifier"):
+        mark(table, first, last, EMOJI_MODIFIER)
+    for first, last in property_ranges(emoji_data, "Emoji_Presentation"):
+        mark(table, first, last, WIDE)
+    mark(table, *REGIONAL_INDICATORS, REGIONAL_INDICATOR)
+    mark(table, *TAGS, TAG)
+    for scalar in JOINERS:
+        mark(table, scalar, scalar, JOINER)
+    for scalar, bits in enumerate(table):
+        if bits & (EMOJI_MODIFIER | REGIONAL_INDICATOR):
+            table[scalar] &= ~EMOJI
     for first, last in property_ranges(source / "PropList.txt", "White_Space"):
         mark(table, first, last, WHITE_SPACE)
 

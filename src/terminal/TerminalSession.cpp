@@ -41,6 +41,8 @@ TerminalSession::TerminalSession(QString providerID, QString title, QString comm
       m_title(std::move(title)),
       m_command(std::move(command)),
       m_directory(std::move(directory)) {
+    // Programs are told a terminal type that erases with the background colour.
+    m_screen.setBackgroundColorErase(true);
     m_screen.onResponse = [this](std::string_view reply) {
         answer(reply);
     };
@@ -62,6 +64,9 @@ const QString& TerminalSession::title() const {
 }
 const QString& TerminalSession::command() const {
     return m_command;
+}
+const QString& TerminalSession::programTitle() const {
+    return m_programTitle;
 }
 const FilePath& TerminalSession::directory() const {
     return m_directory;
@@ -172,7 +177,9 @@ void TerminalSession::feedSlice() {
     m_screen.feed({batch.constData() + m_fed, static_cast<std::size_t>(size)});
     m_fed += size;
     m_transport->sendReplies(std::exchange(m_replies, {}));
-    if (m_fed < batch.size()) return;
+    const QPointer<TerminalSession> alive(this);
+    if (assign(m_programTitle, QString::fromStdString(m_screen.programTitle()))) Q_EMIT programTitleChanged();
+    if (!alive || m_fed < batch.size()) return;
 
     m_transport->consumed(batch.size());
     m_batches.pop_front();
@@ -217,6 +224,11 @@ void TerminalSession::resize(int rows, int columns) {
     if (newRows == m_screen.rows() && newColumns == m_screen.columns()) return;
     m_screen.resize(newRows, newColumns);
     if (m_running && m_transport) m_transport->resize(m_screen.rows(), m_screen.columns());
+}
+
+void TerminalSession::setColors(const TerminalColors& colors) {
+    m_screen.setColors(colors);
+    if (m_transport) m_transport->sendReplies(std::exchange(m_replies, {}));
 }
 
 void TerminalSession::stop() {

@@ -37,6 +37,8 @@ public:
     const QString& providerID() const;
     const QString& title() const;
     const QString& command() const;
+    /// What the program calls itself, to be shown beside the title; empty until it says so.
+    const QString& programTitle() const;
     const FilePath& directory() const;
     const QDateTime& started() const;
     TerminalScreen& screen();
@@ -57,6 +59,8 @@ public:
     void send(const QString& text);
     void sendBytes(const QByteArray& bytes);
     void resize(int rows, int columns);
+    /// What the person sees; programs may ask for it, or want to be told of a change.
+    void setColors(const TerminalColors& colors);
     /// Asks the child to end, and kills what is left of its process group after one second. Does not wait.
     void stop();
 
@@ -67,6 +71,7 @@ Q_SIGNALS:
     void revisionChanged();
     void runningChanged();
     void exitCodeChanged();
+    void programTitleChanged();
 
 private:
     void failStart(const QString& reason);
@@ -84,6 +89,7 @@ private:
     const FilePath m_directory;
     const QDateTime m_started = QDateTime::currentDateTimeUtc();
     TerminalScreen m_screen;
+    QString m_programTitle;
     int m_revision = 0;
     bool m_running = false;
     std::optional<int> m_exitCode;

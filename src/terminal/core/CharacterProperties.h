@@ -13,6 +13,15 @@ enum CharacterProperty : std::uint8_t {
     Wide = 1 << 1,
     /// The White_Space property.
     WhiteSpace = 1 << 2,
+    /// The Emoji property, without ASCII, regional indicators and modifiers.
+    Emoji = 1 << 3,
+    /// A skin tone.
+    EmojiModifier = 1 << 4,
+    RegionalIndicator = 1 << 5,
+    /// The zero width joiner and the enclosing keycap: join the character before them as marks do.
+    Joiner = 1 << 6,
+    /// The tag characters of flags of regions: join an emoji.
+    Tag = 1 << 7,
 };
 
 namespace detail {

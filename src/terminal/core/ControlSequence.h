@@ -14,6 +14,8 @@ struct ControlSequence {
     std::string_view intermediates;
     /// At least one; each from 0 to 1,000,000, an empty or malformed field is 0.
     std::span<const int> parameters;
+    /// The fields as they came, ";" between them, when one of them holds a colon; else empty.
+    std::string_view colonFields;
 
     /// A sequence with a marker or an intermediate is another one than the one without.
     bool plain() const { return marker == 0 && intermediates.empty(); }

@@ -5,10 +5,6 @@
 namespace orvo {
 namespace {
 
-constexpr bool isIntermediate(char byte) {
-    return byte >= 0x20 && byte <= 0x2F;
-}
-
 /// The value of one field: digits alone make a number.
 int parameterOf(std::string_view field) {
     int value = 0;
@@ -29,12 +25,32 @@ std::string_view withoutMarkers(std::string_view text) {
 
 }  // namespace
 
-const char* EscapeParser::skipString(const char* position, const char* end) {
-    const char* const stop =
-        std::find_if(position, end, [](char byte) { return byte == escape || byte == bell; });
-    if (stop == end) return end;
-    m_state = *stop == escape ? State::StringEscape : State::Ground;
-    return stop + 1;
+const char* EscapeParser::stringStop(const char* position, const char* end) {
+    return std::find_if(position, end, [](char byte) {
+        return byte == escape || byte == bell || byte == cancel || byte == substitute;
+    });
+}
+
+void EscapeParser::beginString(Storing storing) {
+    m_storing = storing;
+    m_state = State::String;
+}
+
+void EscapeParser::store(std::string_view bytes) {
+    if (bytes.size() > longestString - m_string.size()) {
+        // Its end is still looked for.
+        forgetString();
+        m_state = State::String;
+    } else {
+        m_string.append(bytes);
+    }
+}
+
+void EscapeParser::forgetString() {
+    m_state = State::Ground;
+    m_storing = Storing::No;
+    m_string.clear();
+    if (m_string.capacity() > keptStringCapacity) m_string.shrink_to_fit();
 }
 
 ControlSequence EscapeParser::collectedSequence(char final) {
@@ -42,11 +58,14 @@ ControlSequence EscapeParser::collectedSequence(char final) {
     ControlSequence sequence;
     sequence.final = final;
     if (text.find_first_of("<=>?") == 0) sequence.marker = text.front();
-    const auto digitsEnd = std::find_if_not(text.rbegin(), text.rend(), isIntermediate).base();
+    const auto digitsEnd = std::find_if_not(text.rbegin(), text.rend(), [](char byte) {
+                               return isIntermediate(static_cast<unsigned char>(byte));
+                           }).base();
     sequence.intermediates = std::string_view(digitsEnd, text.end());
 
     m_parameters.clear();
     std::string_view rest = withoutMarkers(std::string_view(text.begin(), digitsEnd));
+    if (rest.find(':') != std::string_view::npos) sequence.colonFields = rest;
     for (;;) {
         const std::size_t length = std::min(rest.find(';'), rest.size());
         m_parameters.push_back(parameterOf(rest.substr(0, length)));

@@ -43,19 +43,31 @@ struct TerminalCell {
         Strike = 1 << 6,
         Overline = 1 << 7,
         Conceal = 1 << 8,
-        // Bits 9 to 11 hold the underline style, 0 for none.
+        // Bits 9 to 11 hold the underline.
     };
+    enum class Underline : std::uint8_t { None, Single, Double, Curly, Dotted, Dashed };
 
     std::uint32_t content = U' ';
     CellColor foreground;
     CellColor background;
     std::uint16_t attributes = 0;
-    std::uint16_t reserved = 0;
+    /// Number of what few cells have, in the screen's `CellExtras`; 0 for nothing.
+    std::uint16_t extra = 0;
 
     constexpr bool bold() const { return (attributes & Bold) != 0; }
     constexpr bool inverse() const { return (attributes & Inverse) != 0; }
     constexpr bool continuation() const { return (attributes & Continuation) != 0; }
+    constexpr Underline underline() const {
+        return static_cast<Underline>((attributes & underlineMask) >> underlineShift);
+    }
+    constexpr void setUnderline(Underline style) {
+        attributes = static_cast<std::uint16_t>((attributes & ~underlineMask) |
+                                                (static_cast<unsigned>(style) << underlineShift));
+    }
     constexpr bool operator==(const TerminalCell&) const = default;
+
+    static constexpr unsigned underlineShift = 9;
+    static constexpr unsigned underlineMask = 7u << underlineShift;
 };
 
 static_assert(sizeof(TerminalCell) == 16);

@@ -62,6 +62,7 @@ void TerminalRow::clear(int width, std::uint64_t stamp) {
     if (std::cmp_less(m_cells.size(), width)) m_cells.resize(static_cast<std::size_t>(width));
     m_width = width;
     m_filled = 0;
+    m_wrapped = false;
     m_stamp = stamp;
     m_clusters.clear();
 }
@@ -71,6 +72,7 @@ void TerminalRow::setWidth(int width, std::uint64_t stamp) {
     if (std::cmp_less(m_cells.size(), width)) m_cells.resize(static_cast<std::size_t>(width));
     m_width = width;
     m_filled = std::min(m_filled, width);
+    m_wrapped = false;
     m_stamp = stamp;
 }
 
@@ -81,12 +83,29 @@ void TerminalRow::cutTrailingBlanks() {
     m_width = m_filled;
 }
 
-void TerminalRow::join(int column, char32_t scalar, std::uint64_t stamp) {
+bool TerminalRow::join(int column, char32_t scalar, std::uint64_t stamp) {
     storeBlanks(column + 1);
     std::u32string& cluster = clusterOf(m_cells[static_cast<std::size_t>(column)]);
-    if (cluster.size() >= longestCluster) return;
+    if (cluster.size() >= longestCluster) return false;
     cluster.push_back(scalar);
     m_stamp = stamp;
+    return true;
+}
+
+std::u32string_view TerminalRow::scalars(int column) const {
+    static constexpr char32_t blank = U' ';
+    if (column < 0 || column >= m_filled) return {&blank, 1};
+    const TerminalCell& cell = m_cells[static_cast<std::size_t>(column)];
+    if (isCluster(cell)) return m_clusters[cell.content];
+    if (cell.continuation()) return {};
+    static_assert(sizeof(cell.content) == sizeof(char32_t));
+    return {reinterpret_cast<const char32_t*>(&cell.content), 1};
+}
+
+void TerminalRow::markExtras(std::vector<bool>& used) const {
+    for (const TerminalCell& cell : std::span(m_cells.data(), static_cast<std::size_t>(m_filled))) {
+        if (cell.extra < used.size()) used[cell.extra] = true;
+    }
 }
 
 std::u32string& TerminalRow::clusterOf(TerminalCell& cell) {
@@ -111,6 +130,7 @@ void TerminalRow::forgetUnusedClusters() {
 
 void TerminalRow::erase(int first, int end, const TerminalCell& blank, std::uint64_t stamp) {
     end = std::min(end, m_width);
+    if (end == m_width) m_wrapped = false;
     if (blank == blankCell) {
         if (first >= m_filled) return;
         if (end >= m_filled) {

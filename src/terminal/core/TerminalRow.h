@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvo {
@@ -32,6 +33,9 @@ public:
     static constexpr std::size_t longestCluster = 32;
 
     int width() const { return m_width; }
+    /// Whether the text goes on in the next line because it did not fit.
+    bool wrapped() const { return m_wrapped; }
+    void setWrapped() { m_wrapped = true; }
     bool continuation(int column) const {
         return column < m_filled && m_cells[static_cast<std::size_t>(column)].continuation();
     }
@@ -48,8 +52,12 @@ public:
         m_stamp = stamp;
         return m_cells.data() + column;
     }
-    /// Adds a scalar to the text of a cell.
-    void join(int column, char32_t scalar, std::uint64_t stamp);
+    /// Adds a scalar to the text of a cell. False when the cell holds as many as it may.
+    bool join(int column, char32_t scalar, std::uint64_t stamp);
+    /// The scalars of one cell; good until the row is next changed or asked.
+    std::u32string_view scalars(int column) const;
+    /// Notes the numbers of the extras that the row's cells have.
+    void markExtras(std::vector<bool>& used) const;
     /// Makes the cells from `first` up to, not including, `end` copies of `blank`.
     void erase(int first, int end, const TerminalCell& blank, std::uint64_t stamp);
     /// Shifts the cells from `column` on to the right; what passes the last column is lost.
@@ -71,6 +79,7 @@ private:
     mutable std::vector<TerminalCell> m_cells;
     mutable int m_filled = 0;
     int m_width = 0;
+    bool m_wrapped = false;
     std::uint64_t m_stamp = 0;
     // Overwritten clusters stay until the table is twice as long as the row can need.
     std::vector<std::u32string> m_clusters;

@@ -26,7 +26,10 @@ void writeAscii(TerminalCell* cells, std::string_view text, TerminalCell style) 
 }  // namespace
 
 TerminalScreen::TerminalScreen(int rows, int columns)
-    : m_rows(std::max(rows, 1)), m_columns(std::max(columns, 1)), m_scrollBottom(m_rows - 1) {
+    : m_rows(std::max(rows, 1)),
+      m_columns(std::max(columns, 1)),
+      m_scrollBottom(m_rows - 1),
+      m_tabStops(m_columns) {
     fillGrid(m_grid);
 }
 
@@ -49,46 +52,63 @@ void TerminalScreen::feedText(std::string_view text) {
 }
 
 void TerminalScreen::printAscii(std::string_view text) {
+    m_lastPrinted = static_cast<unsigned char>(text.back());
+    if (m_textInModes) return printAsciiInModes(text);
     while (!text.empty()) {
         if (m_pendingWrap) wrap();
         const auto count = std::min(static_cast<int>(text.size()), m_columns - m_cursor.column);
         const auto length = static_cast<std::size_t>(count);
         writeAscii(cursorLine().overwrite(m_cursor.column, count, nextStamp()), text.substr(0, length),
-                   m_style);
+                   m_style.cell);
         advance(count);
         text.remove_prefix(length);
     }
 }
 
-void TerminalScreen::print(char32_t scalar) {
-    const std::uint8_t properties = characterProperties(scalar);
-    if ((properties & NonspacingMark) != 0) {
-        joinPrevious(scalar);
-        return;
+void TerminalScreen::printAsciiInModes(std::string_view text) {
+    // U+0060 to U+007E of the DEC Special Graphics set.
+    static constexpr std::u32string_view drawing = U"◆▒␉␌␍␊°±␤␋┘┐┌└┼⎺⎻─⎼⎽├┤┴┬│≤≥π≠£·";
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        const bool drawn = m_charsets.current() == Charset::LineDrawing && code >= 0x60;
+        put(drawn ? drawing[code - 0x60u] : char32_t{code}, 1);
     }
-    const int width = (properties & Wide) != 0 ? 2 : 1;
-    if (m_pendingWrap || (width == 2 && m_cursor.column == m_columns - 1)) wrap();
+}
+
+void TerminalScreen::print(char32_t scalar) {
+    constexpr std::uint8_t joining =
+        NonspacingMark | Emoji | EmojiModifier | RegionalIndicator | Joiner | Tag;
+    const std::uint8_t properties = characterProperties(scalar);
+    if ((properties & joining) != 0 && joinPrevious(scalar, properties)) return;
+    put(scalar, (properties & Wide) != 0 ? 2 : 1);
+}
+
+void TerminalScreen::put(char32_t scalar, int width) {
+    if (m_pendingWrap || (width == 2 && m_cursor.column == m_columns - 1)) makeRoom(width);
     const int fitting = std::min(width, m_columns - m_cursor.column);
-    TerminalCell* const cells = cursorLine().overwrite(m_cursor.column, fitting, nextStamp());
-    cells[0] = m_style;
+    TerminalRow& line = cursorLine();
+    if (m_modes.insert) line.insertCells(m_cursor.column, fitting, blank(), nextStamp());
+    TerminalCell* const cells = line.overwrite(m_cursor.column, fitting, nextStamp());
+    cells[0] = m_style.cell;
     cells[0].content = scalar;
     if (fitting == 2) {
-        cells[1] = m_style;
+        cells[1] = m_style.cell;
         cells[1].content = 0;
         cells[1].attributes |= TerminalCell::Continuation;
     }
+    m_lastPrinted = scalar;
     advance(width);
 }
 
-void TerminalScreen::joinPrevious(char32_t mark) {
-    int column = m_pendingWrap ? m_cursor.column : m_cursor.column - 1;
-    if (column < 0) return;
-    TerminalRow& line = cursorLine();
-    if (column > 0 && line.continuation(column)) --column;
-    line.join(column, mark, nextStamp());
+/// For a character that does not fit behind the cursor.
+void TerminalScreen::makeRoom(int width) {
+    if (m_modes.autowrap) return wrap();
+    m_pendingWrap = false;
+    m_cursor.column = std::max(m_columns - width, 0);
 }
 
 void TerminalScreen::wrap() {
+    cursorLine().setWrapped();
     m_cursor.column = 0;
     m_pendingWrap = false;
     lineFeed();
@@ -109,6 +129,12 @@ void TerminalScreen::lineFeed() {
     }
 }
 
+void TerminalScreen::clearLine(TerminalRow& row) {
+    row.clear(m_columns, nextStamp());
+    if (m_backgroundColorErase && !m_style.cell.background.isDefault())
+        row.erase(0, m_columns, blank(), nextStamp());
+}
+
 void TerminalScreen::scrollUp() {
     if (alternateScreen() || m_scrollTop != 0) {
         removeLine(m_scrollTop);
@@ -118,7 +144,7 @@ void TerminalScreen::scrollUp() {
     TerminalRow*& line = m_grid.line(m_scrollBottom);
     line = pushScrollback(line);
     if (line == nullptr) line = m_store.take();
-    line->clear(m_columns, nextStamp());
+    clearLine(*line);
 }
 
 TerminalRow* TerminalScreen::pushScrollback(TerminalRow* row) {
@@ -129,12 +155,12 @@ TerminalRow* TerminalScreen::pushScrollback(TerminalRow* row) {
 
 void TerminalScreen::scrollDown(int top) {
     m_grid.rotateDown(top, m_scrollBottom);
-    m_grid.line(top)->clear(m_columns, nextStamp());
+    clearLine(*m_grid.line(top));
 }
 
 void TerminalScreen::removeLine(int row) {
     m_grid.rotateUp(row, m_scrollBottom);
-    m_grid.line(m_scrollBottom)->clear(m_columns, nextStamp());
+    clearLine(*m_grid.line(m_scrollBottom));
 }
 
 void TerminalScreen::reverseLineFeed() {
@@ -147,12 +173,15 @@ void TerminalScreen::reverseLineFeed() {
 
 void TerminalScreen::control(char character) {
     switch (character) {
+        case '\a':
+            request(TerminalRequest::Kind::Bell);
+            break;
         case '\b':
             m_cursor.column = std::max(m_cursor.column - 1, 0);
             m_pendingWrap = false;
             break;
         case '\t':
-            m_cursor.column = std::min((m_cursor.column / 8 + 1) * 8, m_columns - 1);
+            m_cursor.column = m_tabStops.after(m_cursor.column);
             break;
         case '\n':
         case '\v':
@@ -163,6 +192,12 @@ void TerminalScreen::control(char character) {
         case '\r':
             m_cursor.column = 0;
             m_pendingWrap = false;
+            break;
+        case '\x0E':
+            selectCharset(1);
+            break;
+        case '\x0F':
+            selectCharset(0);
             break;
         default:
             break;

@@ -9,17 +9,28 @@ namespace orvo {
 void TerminalScreen::escape(char32_t scalar) {
     switch (scalar) {
         case U'7':
-            m_savedCursor = m_cursor;
+            saveCursor();
             break;
         case U'8':
-            moveTo(m_savedCursor.row, m_savedCursor.column);
+            restoreCursor();
+            break;
+        case U'=':
+            m_modes.applicationKeypad = true;
+            break;
+        case U'>':
+            m_modes.applicationKeypad = false;
             break;
         case U'D':
             m_pendingWrap = false;
             lineFeed();
             break;
         case U'E':
-            wrap();
+            m_cursor.column = 0;
+            m_pendingWrap = false;
+            lineFeed();
+            break;
+        case U'H':
+            m_tabStops.set(m_cursor.column);
             break;
         case U'M':
             m_pendingWrap = false;
@@ -33,24 +44,40 @@ void TerminalScreen::escape(char32_t scalar) {
     }
 }
 
+void TerminalScreen::intermediateEscape(std::string_view intermediates, char final) {
+    const char first = intermediates.front();
+    if (first == '(' || first == ')') designate(first, intermediates.size() == 1 ? final : 'B');
+    if (intermediates == "#" && final == '8') fillWithLetters();
+}
+
 void TerminalScreen::controlSequence(const ControlSequence& sequence) {
     if (sequence.plain()) {
         plainSequence(sequence);
     } else if (sequence.intermediates.empty()) {
         markedSequence(sequence);
+    } else {
+        intermediateSequence(sequence);
     }
 }
 
 /// Sequences with a marker act only where they are named.
 void TerminalScreen::markedSequence(const ControlSequence& sequence) {
     if (sequence.final == 'c') reportAttributes();
-    if (sequence.marker != '?') return;
+    if (sequence.marker == '?') privateSequence(sequence);
+    if (sequence.marker == '>' && sequence.final == 'q' && sequence.parameter(0) == 0)
+        respond("\x1BP>|Orvo AI(" ORVO_VERSION ")\x1B\\");
+}
+
+void TerminalScreen::privateSequence(const ControlSequence& sequence) {
     switch (sequence.final) {
         case 'h':
             changeModes(sequence, ModeChange::Set);
             break;
         case 'l':
             changeModes(sequence, ModeChange::Reset);
+            break;
+        case 'n':
+            reportPrivate(sequence.parameter(0));
             break;
         case 'J':
             eraseInDisplay(sequence.parameter(0));
@@ -63,12 +90,22 @@ void TerminalScreen::markedSequence(const ControlSequence& sequence) {
     }
 }
 
+void TerminalScreen::intermediateSequence(const ControlSequence& sequence) {
+    const auto is = [&sequence](char marker, std::string_view intermediates, char final) {
+        return sequence.marker == marker && sequence.intermediates == intermediates &&
+               sequence.final == final;
+    };
+    if (is(0, "!", 'p')) softReset();
+    if (is(0, " ", 'q')) setCursorShape(sequence.parameter(0));
+    if (is('?', "$", 'p')) reportMode(sequence.parameter(0));
+}
+
 void TerminalScreen::plainSequence(const ControlSequence& sequence) {
     const int count = sequence.count();
     const auto [row, column] = m_cursor;
     switch (sequence.final) {
         case 'm':
-            applyGraphicRendition(m_style, sequence.parameters);
+            setGraphicRendition(sequence);
             break;
         case 'A':
             moveTo(row - count, column);
@@ -95,11 +132,11 @@ void TerminalScreen::plainSequence(const ControlSequence& sequence) {
             moveTo(row, count - 1);
             break;
         case 'd':
-            moveTo(count - 1, column);
+            address(count - 1, column);
             break;
         case 'H':
         case 'f':
-            moveTo(count - 1, std::max(sequence.parameter(1), 1) - 1);
+            address(count - 1, std::max(sequence.parameter(1), 1) - 1);
             break;
         case 'u':
             moveTo(m_savedCursor.row, m_savedCursor.column);
@@ -126,7 +163,23 @@ void TerminalScreen::plainSequence(const ControlSequence& sequence) {
             setRegion(sequence);
             break;
         case 'n':
-            report(sequence);
+            report(sequence.parameter(0));
+            break;
+        case 'b':
+            repeatLast(count);
+            break;
+        case 'g':
+        case 'I':
+        case 'Z':
+            tabSequence(sequence);
+            break;
+        case 'h':
+        case 'l':
+            changeModes(sequence, sequence.final == 'h' ? ModeChange::Set : ModeChange::Reset);
+            break;
+        case 't':
+            if (sequence.parameter(0) == 18)
+                respond("\x1B[8;" + std::to_string(m_rows) + ";" + std::to_string(m_columns) + "t");
             break;
         case 'c':
             reportAttributes();
@@ -136,10 +189,88 @@ void TerminalScreen::plainSequence(const ControlSequence& sequence) {
     }
 }
 
+void TerminalScreen::setGraphicRendition(const ControlSequence& sequence) {
+    const CellColor underline = m_style.underlineColor;
+    applyGraphicRendition(m_style, sequence);
+    if (m_style.underlineColor != underline) updateExtra();
+}
+
 void TerminalScreen::moveTo(int row, int column) {
-    m_cursor.row = std::clamp(row, 0, m_rows - 1);
+    const bool inRegion = m_modes.origin;
+    m_cursor.row = std::clamp(row, inRegion ? m_scrollTop : 0, inRegion ? m_scrollBottom : m_rows - 1);
     m_cursor.column = std::clamp(column, 0, m_columns - 1);
     m_pendingWrap = false;
+}
+
+void TerminalScreen::address(int row, int column) {
+    // A parameter is small enough for the sum.
+    moveTo(m_modes.origin ? row + m_scrollTop : row, column);
+}
+
+void TerminalScreen::home() {
+    address(0, 0);
+}
+
+void TerminalScreen::saveCursor() {
+    m_savedCursor = m_cursor;
+    m_savedLook = {m_style, m_charsets, m_modes.origin};
+}
+
+void TerminalScreen::restoreCursor() {
+    m_style = m_savedLook.style;
+    m_charsets = m_savedLook.charsets;
+    m_modes.origin = m_savedLook.origin;
+    modesChanged();
+    updateExtra();
+    moveTo(m_savedCursor.row, m_savedCursor.column);
+}
+
+void TerminalScreen::designate(char set, char final) {
+    m_charsets.designated[set == '(' ? 0 : 1] = final == '0' ? Charset::LineDrawing : Charset::Ascii;
+    modesChanged();
+}
+
+void TerminalScreen::selectCharset(std::size_t index) {
+    m_charsets.selected = index;
+    modesChanged();
+}
+
+void TerminalScreen::fillWithLetters() {
+    TerminalCell letter;
+    letter.content = U'E';
+    for (TerminalRow* const row : m_grid.handles()) {
+        row->clear(m_columns, nextStamp());
+        row->erase(0, m_columns, letter, nextStamp());
+    }
+    useWholeRegion();
+    m_cursor = {};
+    m_pendingWrap = false;
+}
+
+void TerminalScreen::setCursorShape(int parameter) {
+    if (parameter <= 2) m_cursorShape = CursorShape::Block;
+    if (parameter == 3 || parameter == 4) m_cursorShape = CursorShape::Underline;
+    if (parameter == 5 || parameter == 6) m_cursorShape = CursorShape::Bar;
+}
+
+void TerminalScreen::tabSequence(const ControlSequence& sequence) {
+    const int times = std::min(sequence.count(), m_columns);
+    switch (sequence.final) {
+        case 'g':
+            if (sequence.parameter(0) == 0) m_tabStops.clear(m_cursor.column);
+            if (sequence.parameter(0) == 3) m_tabStops.clearAll();
+            break;
+        case 'I':
+            for (int count = 0; count < times; ++count) {
+                m_cursor.column = m_tabStops.after(m_cursor.column);
+            }
+            break;
+        default:
+            for (int count = 0; count < times; ++count) {
+                m_cursor.column = m_tabStops.before(m_cursor.column);
+            }
+            m_pendingWrap = false;
+    }
 }
 
 void TerminalScreen::scrollSequence(char final, int count) {
@@ -212,8 +343,7 @@ void TerminalScreen::setRegion(const ControlSequence& sequence) {
     if (bottom <= top) return;
     m_scrollTop = top;
     m_scrollBottom = bottom;
-    m_cursor = {};
-    m_pendingWrap = false;
+    home();
 }
 
 void TerminalScreen::useWholeRegion() {
@@ -222,27 +352,49 @@ void TerminalScreen::useWholeRegion() {
 }
 
 void TerminalScreen::changeModes(const ControlSequence& sequence, ModeChange change) {
-    const bool set = change == ModeChange::Set;
     for (const int mode : sequence.parameters) {
-        switch (mode) {
-            case 1:
-                m_modes.applicationCursor = set;
-                break;
-            case 25:
-                m_modes.cursorVisible = set;
-                break;
-            case 47:
-            case 1047:
-            case 1049:
-                set ? enterAlternate() : leaveAlternate();
-                break;
-            case 2004:
-                m_modes.bracketedPaste = set;
-                break;
-            default:
-                break;
+        if (sequence.marker == '?') {
+            changePrivateMode(mode, change);
+        } else if (mode == 4) {
+            m_modes.insert = change == ModeChange::Set;
         }
     }
+    modesChanged();
+}
+
+void TerminalScreen::changePrivateMode(int mode, ModeChange change) {
+    const bool set = change == ModeChange::Set;
+    if (bool* const value = m_modes.privateMode(mode)) *value = set;
+    switch (mode) {
+        case 6:
+            home();
+            break;
+        case 47:
+        case 1047:
+        case 1049:
+            set ? enterAlternate() : leaveAlternate();
+            break;
+        case 1048:
+            set ? saveCursor() : restoreCursor();
+            break;
+        default:
+            break;
+    }
+}
+
+void TerminalScreen::modesChanged() {
+    m_textInModes = !m_modes.autowrap || m_modes.insert || m_charsets.current() == Charset::LineDrawing;
+}
+
+void TerminalScreen::softReset() {
+    m_modes = {};
+    m_style = {};
+    m_charsets = {};
+    m_savedCursor = {};
+    m_savedLook = {};
+    useWholeRegion();
+    modesChanged();
+    updateExtra();
 }
 
 void TerminalScreen::enterAlternate() {
@@ -264,28 +416,15 @@ void TerminalScreen::leaveAlternate() {
 }
 
 void TerminalScreen::fullReset() {
+    softReset();
     reset();
     if (m_savedMain) {
         releaseGrid(m_savedMain->grid);
         m_savedMain.reset();
     }
-    m_savedCursor = {};
-    m_modes = {};
-}
-
-void TerminalScreen::report(const ControlSequence& sequence) {
-    if (sequence.parameter(0) == 5) respond("\x1B[0n");
-    if (sequence.parameter(0) == 6) {
-        respond("\x1B[" + std::to_string(m_cursor.row + 1) + ";" + std::to_string(m_cursor.column + 1) + "R");
-    }
-}
-
-void TerminalScreen::reportAttributes() const {
-    respond("\x1B[?1;2c");
-}
-
-void TerminalScreen::respond(std::string_view reply) const {
-    if (onResponse) onResponse(reply);
+    m_cursorShape = CursorShape::Block;
+    m_tabStops = TabStops(m_columns);
+    m_lastPrinted = 0;
 }
 
 }  // namespace orvo

@@ -45,6 +45,7 @@ void TerminalScreen::reset() {
     }
     m_cursor = {};
     m_style = {};
+    m_link = {};
     m_pendingWrap = false;
     useWholeRegion();
 }
@@ -57,6 +58,7 @@ void TerminalScreen::resize(int rows, int columns) {
     if (m_savedMain) reshape(m_savedMain->grid, m_savedMain->cursor, KeepHistory::Yes, rows, columns);
     m_rows = rows;
     m_columns = columns;
+    m_tabStops.setColumns(columns);
     useWholeRegion();
     m_pendingWrap = false;
 #ifndef NDEBUG

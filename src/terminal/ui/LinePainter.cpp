@@ -4,6 +4,7 @@
 
 #include <QGlyphRun>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -39,16 +40,14 @@ char32_t shownFor(char32_t character) {
     return character == 0x23FA ? 0x25CF : character;
 }
 
-int underlineStyle(const TerminalCell& cell) {
-    return (cell.attributes >> 9) & 7;
-}
-
 }  // namespace
 
-LinePainter::LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults, int columns)
+LinePainter::LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults,
+                         const CellExtras& extras, int columns)
     : m_painter(painter),
       m_glyphs(glyphs),
       m_geometry(glyphs.geometry()),
+      m_extras(extras),
       m_defaultText(defaults.text.rgb()),
       m_defaultBackground(defaults.background.rgb()),
       m_columns(columns),
@@ -163,27 +162,73 @@ void LinePainter::paintPicture(const QString& text, const Look& look, const QRec
     m_painter.drawPixmap(cell.topLeft(), m_glyphs.picture(text, look.style, look.text, size, m_scale));
 }
 
+double LinePainter::lineThickness() const {
+    return std::max(1.0, std::round(m_glyphs.lineThickness() * m_scale)) / m_scale;
+}
+
 void LinePainter::paintDecorations(std::span<const TerminalCell> cells, int row) {
-    constexpr std::uint16_t decorated = TerminalCell::Strike | TerminalCell::Overline | (7 << 9);
+    constexpr unsigned decorated =
+        TerminalCell::Strike | TerminalCell::Overline | TerminalCell::underlineMask;
     const double baseline = m_geometry.lineY(row) + m_glyphs.baseline();
-    const double thick = std::max(1.0, std::round(m_glyphs.lineThickness() * m_scale)) / m_scale;
+    const double thick = lineThickness();
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const TerminalCell& cell = cells[i];
         if ((cell.attributes & decorated) == 0) continue;
         const QRectF area = snappedCell(row, static_cast<int>(i));
-        const QColor color = QColor::fromRgb(lookOf(cell).text);
+        const QRgb text = lookOf(cell).text;
         const auto rule = [&](double y) {
             const double top = std::min(snapY(y), area.bottom() - thick);
-            m_painter.fillRect(QRectF(area.x(), top, area.width(), thick), color);
+            m_painter.fillRect(QRectF(area.x(), top, area.width(), thick), QColor::fromRgb(text));
         };
-        if (const int style = underlineStyle(cell); style != 0) {
-            rule(baseline + m_glyphs.underlineOffset());
-            // Every other style than a single line is shown as a double one.
-            if (style > 1) rule(baseline + m_glyphs.underlineOffset() + 2 * thick);
+        if (const auto style = cell.underline(); style != TerminalCell::Underline::None) {
+            const QRgb color = opaque(m_extras.at(cell.extra).underlineColor, text);
+            paintUnderline(style, area, snapY(baseline + m_glyphs.underlineOffset()), QColor::fromRgb(color));
         }
         if ((cell.attributes & TerminalCell::Strike) != 0) rule(baseline + m_glyphs.strikeOffset());
         if ((cell.attributes & TerminalCell::Overline) != 0) rule(area.top());
     }
+}
+
+void LinePainter::paintUnderline(TerminalCell::Underline style, const QRectF& area, double top,
+                                 const QColor& color) {
+    using Underline = TerminalCell::Underline;
+    const double thick = lineThickness();
+    top = std::min(top, area.bottom() - thick);
+    if (style == Underline::Curly) return paintCurl(area, top, color);
+    if (style == Underline::Dotted || style == Underline::Dashed) {
+        // Counted from the left edge of the view, so that the pattern goes on from cell to cell.
+        const double length = style == Underline::Dotted ? thick : 3 * thick;
+        const double step = style == Underline::Dotted ? 2 * thick : 5 * thick;
+        for (double x = std::floor(area.left() / step) * step; x < area.right(); x += step) {
+            const double left = std::max(x, area.left());
+            const double right = std::min(x + length, area.right());
+            if (right > left) m_painter.fillRect(QRectF(left, top, right - left, thick), color);
+        }
+        return;
+    }
+    m_painter.fillRect(QRectF(area.x(), top, area.width(), thick), color);
+    if (style == Underline::Double) {
+        const double second = std::min(top + 2 * thick, area.bottom() - thick);
+        m_painter.fillRect(QRectF(area.x(), second, area.width(), thick), color);
+    }
+}
+
+/// One wave a cell, which meets that of the next cell at the same height and slope.
+void LinePainter::paintCurl(const QRectF& area, double top, const QColor& color) {
+    const double thick = lineThickness();
+    // As much room as there is below the text, at most a calm wave.
+    const double height = std::clamp(area.bottom() - thick / 2 - top, thick, 3 * thick);
+    const double middle = std::min(top + height / 2, area.bottom() - thick / 2 - height / 2);
+    QPainterPath wave(QPointF(area.left(), middle));
+    const double half = area.width() / 2;
+    wave.quadTo(area.left() + half / 2, middle - height, area.left() + half, middle);
+    wave.quadTo(area.right() - half / 2, middle + height, area.right(), middle);
+    m_painter.save();
+    m_painter.setRenderHint(QPainter::Antialiasing);
+    m_painter.setPen(QPen(color, thick, Qt::SolidLine, Qt::FlatCap));
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.drawPath(wave);
+    m_painter.restore();
 }
 
 }  // namespace orvo

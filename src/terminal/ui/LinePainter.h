@@ -1,5 +1,6 @@
 #pragma once
 
+#include "terminal/core/CellExtras.h"
 #include "terminal/core/TerminalRow.h"
 #include "terminal/ui/GlyphCache.h"
 
@@ -24,7 +25,8 @@ struct CellDefaults {
 class LinePainter {
 public:
     /// All references outlive the painter. `columns` is the width of the grid; what lies beyond is not drawn.
-    LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults, int columns);
+    LinePainter(QPainter& painter, GlyphCache& glyphs, const CellDefaults& defaults, const CellExtras& extras,
+                int columns);
 
     /// Draws a line at the grid's row, within that row's rectangle. The background must be filled already.
     void paint(const TerminalRow& line, int row);
@@ -48,12 +50,16 @@ private:
     void paintBackgrounds(std::span<const TerminalCell> cells, int row);
     void paintTexts(const TerminalRow& line, std::span<const TerminalCell> cells, int row);
     void paintDecorations(std::span<const TerminalCell> cells, int row);
+    void paintUnderline(TerminalCell::Underline style, const QRectF& area, double top, const QColor& color);
+    void paintCurl(const QRectF& area, double top, const QColor& color);
+    double lineThickness() const;
     void paintPicture(const QString& text, const Look& look, const QRectF& cell);
     void flushGlyphs();
 
     QPainter& m_painter;
     GlyphCache& m_glyphs;
     const CellGeometry& m_geometry;
+    const CellExtras& m_extras;
     QRgb m_defaultText;
     QRgb m_defaultBackground;
     int m_columns;

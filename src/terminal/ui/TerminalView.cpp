@@ -29,6 +29,8 @@ namespace orvo {
 namespace {
 
 constexpr int frameMilliseconds = 16;
+// A program that never ends its picture is shown all the same.
+constexpr int longestHoldMilliseconds = 150;
 // A screen reader cannot follow faster, and every announcement compares the whole text.
 constexpr int announcementMilliseconds = 100;
 // Scrolling: three dip of wheel movement make a line, and a notch (120 of Qt's units) counts nine dip.
@@ -55,6 +57,12 @@ TerminalView::TerminalView(Theme& theme, QWidget* parent) : QWidget(parent), m_t
     m_frame.setTimerType(Qt::PreciseTimer);
     connect(&m_frame, &QTimer::timeout, this, &TerminalView::showChanges);
     m_sinceFrame.start();
+    m_hold.setSingleShot(true);
+    m_hold.setInterval(longestHoldMilliseconds);
+    connect(&m_hold, &QTimer::timeout, this, [this] {
+        m_holdOver = true;
+        showChanges();
+    });
     m_announcement.setSingleShot(true);
     m_announcement.setInterval(announcementMilliseconds);
     connect(&m_announcement, &QTimer::timeout, this, [this] { TerminalAccessible::announceChanges(*this); });
@@ -80,6 +88,7 @@ void TerminalView::setSession(TerminalSession* session) {
         }
         connect(session, &QObject::destroyed, this, &TerminalView::repaintAll);
     }
+    tellColors();
     if (isVisible()) fitSession();
     repaintAll();
 }
@@ -101,7 +110,13 @@ void TerminalView::applyFont() {
 void TerminalView::applyColors() {
     m_defaults = {toQColor(defaultTextColor), toQColor(m_theme.bg())};
     m_accent = toQColor(m_theme.accent());
+    tellColors();
     repaintAll();
+}
+
+/// What is drawn is what programs are told when they ask.
+void TerminalView::tellColors() {
+    if (m_session) m_session->setColors({defaultTextColor, m_theme.bg(), m_theme.accent()});
 }
 
 void TerminalView::fitSession() {
@@ -161,7 +176,19 @@ void TerminalView::scheduleFrame() {
         std::clamp<qint64>(frameMilliseconds - m_sinceFrame.elapsed(), 0, frameMilliseconds)));
 }
 
+bool TerminalView::holdsPicture() {
+    const bool drawing = m_session && m_session->running() && screen()->modes().synchronizedOutput;
+    if (!drawing) {
+        m_hold.stop();
+        m_holdOver = false;
+    } else if (!m_holdOver && !m_hold.isActive()) {
+        m_hold.start();
+    }
+    return drawing && !m_holdOver;
+}
+
 void TerminalView::showChanges() {
+    if (holdsPicture()) return;
     m_sinceFrame.start();
     if (const TerminalScreen* shown = screen()) follow(*shown);
     updateChanged();
@@ -186,7 +213,9 @@ void TerminalView::updateCursor() {
     if (!m_strayCursors.isEmpty()) update(std::exchange(m_strayCursors, {}));
     const std::optional<QRect> cursor = drawnCursor();
     const std::optional<QRect> before = std::exchange(m_shownCursor, cursor);
-    if (before == cursor) return;
+    const CursorShape shape = screen() != nullptr ? screen()->cursorShape() : CursorShape::Block;
+    if (const CursorShape shown = std::exchange(m_shownShape, shape); before == cursor && shown == shape)
+        return;
     if (before) update(*before);
     if (cursor) update(*cursor);
     if (hasFocus()) updateMicroFocus();
@@ -210,7 +239,7 @@ void TerminalView::paintEvent(QPaintEvent* event) {
     const TerminalScreen* shown = screen();
     if (shown == nullptr) return;
 
-    LinePainter lines(painter, *m_glyphs, m_defaults, shown->columns());
+    LinePainter lines(painter, *m_glyphs, m_defaults, shown->extras(), shown->columns());
     for (int row = 0; row < shown->rows(); ++row) {
         if (damaged.intersects(m_glyphs->geometry().line(row, width())))
             lines.paint(visibleLine(*shown, row), row);
@@ -228,7 +257,21 @@ void TerminalView::paintEvent(QPaintEvent* event) {
 void TerminalView::paintCursor(QPainter& painter, const LinePainter& lines) const {
     QColor color = m_accent;
     color.setAlphaF(static_cast<float>(hasFocus() ? focusedCursorOpacity : cursorOpacity));
-    painter.fillRect(lines.snappedCell(screen()->row(), screen()->column()), color);
+    QRectF area = lines.snappedCell(screen()->row(), screen()->column());
+    // A line needs the full colour to be found; it hides no character.
+    const double thick = std::max(1.0, std::round(m_theme.fontSize() / 6));
+    switch (screen()->cursorShape()) {
+        case CursorShape::Block:
+            break;
+        case CursorShape::Underline:
+            area.setTop(area.bottom() - thick);
+            break;
+        case CursorShape::Bar:
+            area.setWidth(thick);
+            break;
+    }
+    if (screen()->cursorShape() != CursorShape::Block && hasFocus()) color.setAlphaF(1);
+    painter.fillRect(area, color);
 }
 
 void TerminalView::paintPreedit(QPainter& painter) const {

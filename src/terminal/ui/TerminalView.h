@@ -1,5 +1,6 @@
 #pragma once
 
+#include "terminal/core/TerminalModes.h"
 #include "terminal/ui/GlyphCache.h"
 #include "terminal/ui/LinePainter.h"
 
@@ -80,9 +81,12 @@ private:
 
     void applyFont();
     void applyColors();
+    void tellColors();
     void fitSession();
     void scheduleFrame();
     void showChanges();
+    /// Whether the program is in the middle of a picture, and has not been for too long.
+    bool holdsPicture();
     /// Asks for a repaint of the lines that differ from what is shown.
     void updateChanged();
     void updateCursor();
@@ -112,9 +116,13 @@ private:
     // What the last requested repaint shows: a line's stamp for each row, and the cursor's place.
     std::vector<std::uint64_t> m_shownStamps;
     std::optional<QRect> m_shownCursor;
+    CursorShape m_shownShape = CursorShape::Block;
     /// Where a paint between two frames has drawn the cursor besides.
     QRegion m_strayCursors;
     QTimer m_frame;
+    /// While a program draws a picture that it wants to be shown whole.
+    QTimer m_hold;
+    bool m_holdOver = false;
     QElapsedTimer m_sinceFrame;
     /// Until the next word to assistive technology.
     QTimer m_announcement;

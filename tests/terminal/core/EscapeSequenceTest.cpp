@@ -152,7 +152,20 @@ TEST(EscapeSequence, WhatIsNotKnownIsConsumedWhole) {
         {"ESC ^ and ESC _ start strings", "\x1B^a\a\x1B_b\a|", "|", "0,1"},
         {"a designation takes one scalar", "\x1B(\u4E16|\x1B)0", "|", "0,1"},
         {"an unknown escape is ignored", "\x1B=\x1B>\x1B\n|", "|", "0,1"},
-        {"unknown modes and finals are ignored", "\x1B[?9999h\x1B[4h\x1B[5z\x1B[~|", "|", "0,1"},
+        {"unknown modes and finals are ignored", "\x1B[?9999h\x1B[20h\x1B[5z\x1B[~|", "|", "0,1"},
+        {"ESC X starts a string", "\x1BXa\x1B[31m\x1B\\|", "|", "0,1"},
+        {"intermediates belong to an escape", "\x1B F\x1B%G\x1B(%0\x1B#%8q|", "q|", "0,2"},
+        {"what is no final ends an escape with intermediates", "\x1B#\n8\x1B#\u4E16|", "8|", "0,2"},
+        {"ESC begins anew in an escape", "\x1B\x1B[2C\x1B(\x1B[C|", "   |", "0,4"},
+        {"ESC begins anew in a sequence", "\x1B[5\x1B[2C|", "  |", "0,3"},
+        {"CAN and SUB end an escape", "\x1B\x18[C\x1B(\x1AM|", "[CM|", "0,4"},
+        {"CAN and SUB end a sequence",
+         "\x1B[5\x18"
+         "C\x1B[\x1A"
+         "C|",
+         "CC|", "0,3"},
+        {"CAN and SUB end a string", "\x1B]2;a\x18x\x1BPq\x1Ay\x1B]2;a\x1B\x18z", "xyz", "0,3"},
+        {"neither ESC ESC nor a bell after ESC ends one", "\x1B]2;a\x1B\x1B\\b\x1B\a\x1B[C\a|", "|", "0,1"},
     };
     for (const ScreenCase& example : cases) {
         SCOPED_TRACE(example.rule);
@@ -232,8 +245,17 @@ std::string describe(const TerminalCell& cell) {
     const auto color = [](CellColor value) {
         return value.isDefault() ? "-" : hexOf(*value.color());
     };
+    const auto has = [&cell](TerminalCell::Attribute attribute, const char* name) {
+        return (cell.attributes & attribute) != 0 ? name : "";
+    };
     return color(cell.foreground) + " " + color(cell.background) + (cell.bold() ? " bold" : "") +
-           (cell.inverse() ? " inverse" : "");
+           (cell.inverse() ? " inverse" : "") + has(TerminalCell::Dim, " dim") +
+           has(TerminalCell::Italic, " italic") +
+           (cell.underline() != TerminalCell::Underline::None
+                ? " underline" + std::to_string(static_cast<int>(cell.underline()))
+                : "") +
+           has(TerminalCell::Conceal, " conceal") + has(TerminalCell::Strike, " strike") +
+           has(TerminalCell::Overline, " overline");
 }
 
 TEST(EscapeSequence, GraphicRenditionStylesWhatFollows) {
@@ -259,9 +281,29 @@ TEST(EscapeSequence, GraphicRenditionStylesWhatFollows) {
         {"38;2;300;-5;128", "FF0080 -"},
         {"48;2;255;128;0;1", "- FF8000 bold"},
         {"38;5", "- -"},
-        {"31;38;2;1;7", "- - bold inverse"},
-        {"31;38;9;1", "- - bold"},
-        {"3;4;5;9;51", "- -"},
+        {"31;38;2;1;7", "- - bold inverse dim"},
+        {"31;38;9;1", "- - bold strike"},
+        {"5;6;25;51", "- -"},
+        {"2;3;4;8;9;53", "- - dim italic underline1 conceal strike overline"},
+        {"1;2;3;4;8;9;53;22;23;24;28;29;55", "- -"},
+        {"2;3;4;8;9;53;0", "- -"},
+        {"21", "- - underline2"},
+        {"4:3", "- - underline3"},
+        {"4:5;4:0", "- -"},
+        {"4:1;4:6", "- - underline1"},
+        {"4:2;4:3:1;4:<", "- - underline2"},
+        {"7:1;1", "- - bold"},
+        {"38:5:196;48:5:16", "FF0000 000000"},
+        {"31;38:5:", "182538 -"},
+        {"31;38:5", "F4808A -"},
+        {"38:2:1:2:3;1", "010203 - bold"},
+        {"38:2::1:2:3;48:2:9:4:5:6:0:0", "010203 040506"},
+        {"31;38:2:1:2", "F4808A -"},
+        {"38;5:3;7", "- - inverse"},
+        {"38;2;1;2:9;3;1", "010003 - bold"},
+        {"58;5;1;1", "- - bold"},
+        {"58;2;1;2;3;7", "- - inverse"},
+        {"58:2::1:2:3;3", "- - italic"},
     };
     for (const auto& [parameters, style] : cases) {
         TerminalScreen screen(3, 10);
@@ -288,8 +330,8 @@ TEST(EscapeSequence, RepliesTellTheStateAtTheirPlaceInTheStream) {
     screen.onResponse = [&replies](std::string_view reply) {
         replies += std::string(reply.substr(1)) + " ";
     };
-    screen.feed("\x1B[3;5H\x1B[6n\x1B[c\x1B[>c\x1B[=0c\x1B[5n\x1B[7n\x1B[?6nabc\x1B[6ndef");
-    EXPECT_EQ(replies, "[3;5R [?1;2c [?1;2c [?1;2c [0n [3;8R ");
+    screen.feed("\x1B[3;5H\x1B[6n\x1B[c\x1B[>c\x1B[=0c\x1B[5n\x1B[7n\x1B[?6n\x1B[?5nabc\x1B[6ndef");
+    EXPECT_EQ(replies, "[3;5R [?1;2c [?1;2c [?1;2c [0n [?3;5R [3;8R ");
 }
 
 TEST(EscapeSequence, GreatParametersReachNoCellOutside) {

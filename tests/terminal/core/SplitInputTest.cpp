@@ -23,6 +23,7 @@ std::string snapshot(const TerminalScreen& screen) {
             if (!cell.foreground.isDefault()) text += hexOf(*cell.foreground.color());
             if (!cell.background.isDefault()) text += "/" + hexOf(*cell.background.color());
             text += std::string(cell.bold(), 'b') + std::string(cell.inverse(), 'i');
+            if (cell.extra != 0) text += screen.extraOf(cell).link;
         }
         text += "\n";
     }
@@ -52,15 +53,55 @@ public:
     }
 
 private:
-    static constexpr std::array<std::string_view, 24> tokens = {
-        "\r\n",         "\n",       "\b",        "\t",          "\u4E16\u754C",  "e\u0301",
-        "\U0001F600",   "\u3000",   "\x1B[?47h", "\x1B[?1049l", "\x1B[2;4r",     "\x1B[r",
-        "\x1B\x37",     "\x1B\x38", "\x1BM",     "\x1B\x44",    "\x1B\x63",      "\x1B]0;t\a",
-        "\x1BPx\x1B\\", "\x1B(0",   "\xE4\xB8",  "\xF0\x9F",    "\x1B[3?;5 !;m", "\x1B[6n",
+    static constexpr std::array<std::string_view, 44> tokens = {
+        "\r\n",
+        "\n",
+        "\b",
+        "\t",
+        "\u4E16\u754C",
+        "e\u0301",
+        "\U0001F600",
+        "\u3000",
+        "\x1B[?47h",
+        "\x1B[?1049l",
+        "\x1B[2;4r",
+        "\x1B[r",
+        "\x1B\x37",
+        "\x1B\x38",
+        "\x1BM",
+        "\x1B\x44",
+        "\x1B\x63",
+        "\x1B]0;t\a",
+        "\x1BPx\x1B\\",
+        "\x1B(0",
+        "\xE4\xB8",
+        "\xF0\x9F",
+        "\x1B[3?;5 !;m",
+        "\x1B[6n",
+        "\u2764",
+        "\uFE0F",
+        "\u200D",
+        "\U0001F3FD",
+        "\U0001F1E9",
+        "\u20E3",
+        "\x1B)0\x0E",
+        "\x0F",
+        "\x1B[4h",
+        "\x1B[4l",
+        "\x1B[?7l",
+        "\x1B[?7h",
+        "\x1B[?6h",
+        "\x1B[?6l",
+        "\x1BH",
+        "\x1B[3g",
+        "\x1B[!p",
+        "\x1B#8",
+        "\x1B]8;;http://x.org/\x1B\\",
+        "\x1B[4:3;58:5:9m",
     };
 
     std::string sequence() {
-        static constexpr std::string_view finals = "ABCDEFGHJKLMPSTX@`abcdefhlmnrsu";
+        static constexpr std::string_view finals = "ABCDEFGHIJKLMPSTXZ@`abcdefghlmnrstu";
         static constexpr std::array<std::string_view, 6> markers = {"", "", "", "?", ">", "!"};
         std::string text = "\x1B[" + std::string(markers[below(markers.size())]);
         for (std::size_t count = below(4); count > 0; --count) {

@@ -5,6 +5,8 @@
 #include <QPaintEvent>
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 namespace orvo {
 namespace {
@@ -165,6 +167,81 @@ TEST(TerminalPainting, WideCharactersStayInTheirTwoCells) {
         }
     }
     EXPECT_TRUE(coloured) << "emoji have colours of their own";
+}
+
+TEST(TerminalPainting, UnderlinesHaveTheirStyleAndColour) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    // How many pixels of a cell are as good as red, and in how many rows they lie.
+    const auto drawn = [&](const char* style) {
+        terminal.session.screen().feed(std::string("\x1b[H\x1b[2J\x1b[58;2;200;0;0;") + style + "m   \x1b[m");
+        const QImage cell = cellOf(terminal.view, imageOf(terminal.view), 0, 1);
+        int pixels = 0, rows = 0;
+        for (int y = 0; y < cell.height(); ++y) {
+            int inRow = 0;
+            for (int x = 0; x < cell.width(); ++x)
+                inRow += qRed(cell.pixel(x, y)) > 80 && qGreen(cell.pixel(x, y)) < 30 ? 1 : 0;
+            pixels += inRow;
+            rows += inRow > 0 ? 1 : 0;
+        }
+        return std::pair(pixels, rows);
+    };
+    const auto single = drawn("4");
+    EXPECT_EQ(single.second, 1);
+    EXPECT_EQ(drawn("21").second, 2);
+    EXPECT_EQ(drawn("4:2"), drawn("21"));
+    EXPECT_GE(drawn("4:3").second, 3) << "a wave goes up and down";
+    EXPECT_LT(drawn("4:4").first, single.first) << "dots leave gaps";
+    EXPECT_LT(drawn("4:5").first, single.first) << "dashes leave gaps";
+    EXPECT_NE(drawn("4:4"), drawn("4:5"));
+    EXPECT_EQ(drawn("4:0").first, 0);
+}
+
+TEST(TerminalPainting, TheCursorHasTheShapeAskedFor) {
+    RunningTerminal terminal(echoing("\\r\\n"));
+    ASSERT_TRUE(terminal.start());
+    ASSERT_TRUE(waitFor([&] { return terminal.view.hasFocus(); }));
+    imageOf(terminal.view);
+    const auto corners = [&](const char* shape) {
+        terminal.session.screen().feed(shape);
+        const QImage image = imageOf(terminal.view);
+        const QRect cell = terminal.view.cursorRect().adjusted(1, 1, -2, -1);
+        std::string seen;
+        for (const QPoint& corner : {cell.topLeft(), cell.topRight(), cell.bottomLeft(), cell.bottomRight()})
+            seen += image.pixel(corner) == background ? '.' : '#';
+        return seen;
+    };
+    EXPECT_EQ(corners("\x1b[2 q"), "####");
+    EXPECT_EQ(corners("\x1b[4 q"), "..##");
+    EXPECT_EQ(corners("\x1b[6 q"), "#.#.");
+}
+
+TEST(TerminalPainting, APictureThatIsBeingDrawnIsShownWhenItIsWhole) {
+    RunningTerminal terminal(echoing());
+    ASSERT_TRUE(terminal.start());
+    PaintWatcher watcher(terminal.view);
+    const auto feed = [&](const char* bytes) {
+        terminal.session.screen().feed(bytes);
+        Q_EMIT terminal.session.revisionChanged();
+    };
+    const QRect line = terminal.view.geometryOfCells().line(5, terminal.view.width());
+    const QRect other = terminal.view.geometryOfCells().line(8, terminal.view.width());
+    feed("\x1b[9;1Hsettled");
+    ASSERT_TRUE(waitFor([&] { return watcher.painted.intersects(other); }));
+    QElapsedTimer clock;
+    clock.start();
+    feed("\x1b[?2026h\x1b[6;1Hhalf");
+    watcher.painted = {};
+    ASSERT_TRUE(waitFor([&] { return watcher.painted.intersects(line); }));
+    EXPECT_GE(clock.elapsed(), 140) << "as long as it may be held";
+
+    feed("\x1b[?2026l");
+    feed("\x1b[?2026h\x1b[6;1Hpart");
+    watcher.painted = {};
+    clock.start();
+    feed("whole\x1b[?2026l");
+    ASSERT_TRUE(waitFor([&] { return watcher.painted.intersects(line); }));
+    EXPECT_LT(clock.elapsed(), 140) << "its end is shown at once";
 }
 
 TEST(TerminalPainting, TheCursorIsOnlyOnALiveScreenThatShowsIt) {
