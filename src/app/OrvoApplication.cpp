@@ -5,6 +5,7 @@
 #include "app/exampleProject.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "platform/saveAtomically.h"
+#include "workspace/WorkspaceMacActions.h"
 #include "workspace/WorkspaceTeamRuns.h"
 #include "workspace/ui/Composer.h"
 #include "workspace/ui/OrvoRoot.h"
@@ -36,13 +37,15 @@ constexpr std::array capturedPages = {Destination::Workspace, Destination::Agent
 }  // namespace
 
 OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                                 QObject* parent)
+                                 DesktopControl& desktop, QObject* parent)
     : QObject(parent),
       m_services(services),
       m_options(std::move(options)),
       m_places(std::move(places)),
       m_theme(services.preferences),
       m_workspace(services),
+      m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop, services.clock,
+                                                         m_places.folders.applicationData("Computer plans"))),
       m_recovery(m_workspace.files(), m_places.folders.applicationData("Recovery")) {}
 
 OrvoApplication::~OrvoApplication() {
@@ -63,7 +66,8 @@ void OrvoApplication::launch() {
 
     applyTheme(m_theme);
     m_window = std::make_unique<MainWindow>();
-    const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr};
+    const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr,
+                          .macActions = m_macActions.get()};
     m_root = new OrvoRoot(m_workspace, m_theme, m_services.launcher, engines, m_window.get());
     m_window->setCentralWidget(m_root);
     createMenu(*m_window->menuBar(), *this);

@@ -13,8 +13,10 @@
 
 namespace orvo {
 
+class DesktopControl;
 class MainWindow;
 class OrvoRoot;
+class WorkspaceMacActions;
 class WorkspaceTeamRuns;
 
 /// Where the application finds and keeps its things.
@@ -33,7 +35,7 @@ public:
     /// The services outlive the application. Without preferences the run is transient: it keeps nothing and
     /// quits without a question.
     OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                    QObject* parent = nullptr);
+                    DesktopControl& desktop, QObject* parent = nullptr);
     ~OrvoApplication() override;
 
     Workspace& workspace() { return m_workspace; }
@@ -89,6 +91,7 @@ private:
     const AppPlaces m_places;
     Theme m_theme;
     Workspace m_workspace;
+    const std::unique_ptr<WorkspaceMacActions> m_macActions;
     EditorRecovery m_recovery;
     /// The throw-away example project of a transient run.
     std::optional<FilePath> m_throwAwayExamples;

@@ -10,6 +10,7 @@
 #include "platform/AppFolders.h"
 #include "platform/desktop/DesktopLauncher.h"
 #include "platform/desktop/QtDialogs.h"
+#include "platform/desktop/X11DesktopControl.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/LogindSleepInhibitor.h"
 #include "workspace/ui/version.h"
@@ -131,6 +132,7 @@ int showWindow(int argc, char** argv, const Options& options) {
     MainWindow* window = nullptr;
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
     DesktopLauncher launcher;
+    X11DesktopControl desktop;
     LogindSleepInhibitor sleepInhibitor;
     OrvoApplication orvo({.preferences = isTransient ? nullptr : &preferences,
                           .clock = clock,
@@ -139,7 +141,7 @@ int showWindow(int argc, char** argv, const Options& options) {
                           .sleepInhibitor = sleepInhibitor,
                           .tools = ToolEnvironment::fromProcess(),
                           .historyInbox = isTransient ? nullptr : &historyInbox},
-                         options, places);
+                         options, places, desktop);
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },

@@ -44,7 +44,8 @@ public:
     virtual QString trustHint() const = 0;
     virtual Result<void> openSettings(SettingsPage page) = 0;
 
-    /// By bundle identifier, desktop-entry id or name; nothing when none is installed.
+    /// By bundle identifier, desktop-entry id, path of a desktop entry, or name; nothing when none is
+    /// installed.
     virtual std::optional<InstalledApplication> application(const QString& identifier) const = 0;
 
     /// A running application, nothing when it ended at once, or why it could not be started.

@@ -22,7 +22,7 @@ protected:
     OrvoApplication& launched(const Options& options = {}, Keep keep = Keep::Preferences) {
         WorkspaceServices wanted = services();
         if (keep == Keep::Nothing) wanted.preferences = nullptr;
-        m_application = std::make_unique<OrvoApplication>(wanted, options, places());
+        m_application = std::make_unique<OrvoApplication>(wanted, options, places(), m_desktop);
         QObject::connect(m_application.get(), &OrvoApplication::ended, m_application.get(),
                          [this] { ++m_ended; });
         m_application->launch();

@@ -7,15 +7,18 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/Paragraph.h"
 #include "appearance/controls/SegmentedControl.h"
+#include "appearance/controls/SelectableText.h"
 #include "appearance/controls/SessionTab.h"
 #include "appearance/controls/StatusPill.h"
 #include "appearance/controls/Switch.h"
 #include "appearance/controls/TaskEditor.h"
 #include "support/WaitFor.h"
 
+#include <QClipboard>
 #include <QHBoxLayout>
 #include <QHoverEvent>
 #include <QSignalSpy>
+#include <QTest>
 
 #include <functional>
 #include <memory>
@@ -48,7 +51,7 @@ const std::vector<Maker>& pressables() {
          }},
         {"card",
          [](QWidget* w) {
-             return new ActionCard(icon, title, w);
+             return new ActionCard(icon, title, {}, w);
          }},
         {"entry",
          [](QWidget* w) {
@@ -298,6 +301,24 @@ TEST_F(Controls, RepaintInTheNewPaletteWhenTheThemeChanges) {
     theme.setAccentHex(QStringLiteral("FF8800"));
     EXPECT_EQ(button.grab().toImage().pixelColor(inside), QColor(0xFF, 0x88, 0x00));
     EXPECT_EQ(QApplication::palette().color(QPalette::Link), QColor(0xFF, 0x88, 0x00));
+}
+
+TEST_F(Controls, TextIsSelectedByPointerAndCopiedAsItStands) {
+    const QString text = QStringLiteral("low <tide>\n06:12 \u6f6e high");
+    SelectableText paragraph(text);
+    paragraph.resize(300, paragraph.heightForWidth(300));
+    paragraph.show();
+    const int second = paragraphPitch(TypeRole::Body) * 3 / 2;
+    QTest::mousePress(&paragraph, Qt::LeftButton, {}, {0, 2});
+    QTest::mouseMove(&paragraph, {290, second});
+    QTest::mouseRelease(&paragraph, Qt::LeftButton, {}, {290, second});
+    EXPECT_EQ(paragraph.selectedText(), text);
+    QTest::mouseDClick(&paragraph, Qt::LeftButton, {}, {10, second});
+    EXPECT_EQ(paragraph.selectedText(), u"06");
+    QTest::keySequence(&paragraph, QKeySequence::Copy);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"06");
+    QTest::keySequence(&paragraph, QKeySequence::SelectAll);
+    EXPECT_EQ(paragraph.selectedText(), text);
 }
 
 }  // namespace

@@ -82,9 +82,19 @@ TeamRuns& ScreenFixture::teamRuns() {
     return m_teamRuns->engine();
 }
 
+WorkspaceMacActions& ScreenFixture::macActions() {
+    if (!m_macActions) {
+        m_macActions = std::make_unique<WorkspaceMacActions>(
+            workspace(), m_desktop, m_clock,
+            FilePath::fromString(m_folder.filePath(QStringLiteral("Plans"))));
+    }
+    return *m_macActions;
+}
+
 OrvoRoot& ScreenFixture::screen(QSize size) {
     if (!m_screen) {
-        const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr};
+        const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr,
+                              .macActions = m_macActions.get()};
         m_screen = std::make_unique<OrvoRoot>(workspace(), m_theme, m_launcher, engines);
         m_screen->resize(size);
         m_screen->show();

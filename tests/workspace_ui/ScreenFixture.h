@@ -2,11 +2,13 @@
 
 #include "appearance/Theme.h"
 #include "platform/fake/FakeClock.h"
+#include "platform/fake/FakeDesktopControl.h"
 #include "platform/fake/FakeDialogs.h"
 #include "platform/fake/FakeLauncher.h"
 #include "platform/fake/FakePreferences.h"
 #include "platform/fake/FakeSleepInhibitor.h"
 #include "workspace/Workspace.h"
+#include "workspace/WorkspaceMacActions.h"
 #include "workspace/WorkspaceTeamRuns.h"
 #include "workspace/ui/OrvoRoot.h"
 
@@ -47,6 +49,9 @@ protected:
     /// The team-run engine, joined to the workspace at the first call; the screen has its page when that came
     /// before the screen.
     TeamRuns& teamRuns();
+    /// Mac actions on a recording desktop, joined to the workspace at the first call; the screen has their
+    /// page when that came before the screen.
+    WorkspaceMacActions& macActions();
     /// The root screen over the workspace, shown; made at the first call.
     OrvoRoot& screen(QSize size = QSize(1440, 872));
     /// A shell session in the project, which is opened first if there is none.
@@ -60,11 +65,13 @@ protected:
     FakeDialogs m_dialogs;
     FakeLauncher m_launcher;
     FakeSleepInhibitor m_sleepInhibitor;
+    FakeDesktopControl m_desktop;
     Theme m_theme{nullptr};
 
 private:
     std::unique_ptr<Workspace> m_workspace;
     std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
+    std::unique_ptr<WorkspaceMacActions> m_macActions;
     std::unique_ptr<OrvoRoot> m_screen;
 };
 

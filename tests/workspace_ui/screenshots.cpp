@@ -8,6 +8,7 @@
 #include "app/Menu.h"
 #include "app/OrvoApplication.h"
 #include "platform/fake/FakeClock.h"
+#include "platform/fake/FakeDesktopControl.h"
 #include "platform/fake/FakeDialogs.h"
 #include "platform/fake/FakeLauncher.h"
 #include "platform/fake/FakePreferences.h"
@@ -19,7 +20,10 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDir>
+#include <QPlainTextEdit>
 #include <QProcess>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -72,6 +76,17 @@ constexpr const char* sampleCode =
     "(!needle) return notes;\n  return notes.filter((note) =>\n    "
     "note.title.toLowerCase().includes(needle)\n  );\n}\n";
 
+constexpr const char* planningCodex = R"sh(#!/bin/sh
+while [ $# -gt 0 ]; do [ "$1" = --output-last-message ] && out=$2; shift; done
+[ "$out" ] && cat > "$out" <<'END'
+{"explanation":"Opens the text editor, starts a document, types one line with the tide time and saves it. You will choose the file name yourself.","steps":[
+{"id":1,"title":"Open the text editor","action":"open_app","app":"org.gnome.TextEditor","value":""},
+{"id":2,"title":"Start a new document","action":"key","app":"org.gnome.TextEditor","value":"command+n"},
+{"id":3,"title":"Type the greeting","action":"type_text","app":"org.gnome.TextEditor","value":"Good morning! The tide turns at 10:42 today."},
+{"id":4,"title":"Save the document","action":"key","app":"org.gnome.TextEditor","value":"command+s"}]}
+END
+)sh";
+
 class Studio {
 public:
     Studio(QDir out, const ThemePreset& preset, QByteArray only)
@@ -115,7 +130,7 @@ public:
                               .launcher = m_launcher,
                               .sleepInhibitor = m_sleepInhibitor,
                               .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
-            Options{}, AppPlaces{AppFolders::fromProcess(), {}});
+            Options{}, AppPlaces{AppFolders::fromProcess(), {}}, m_desktop);
         m_application->launch();
         (void)test::waitFor([this] { return !workspace().assistants().checkingConnections(); });
     }
@@ -139,6 +154,7 @@ public:
                      .toUtf8());
         }
         if (wants("team-runs")) takeTeamRuns();
+        if (wants("mac-actions")) takeMacActions();
         if (wants("deck")) takeDecks();
     }
 
@@ -220,6 +236,33 @@ private:
         workspace().setPrompt(QString());
     }
 
+    // A plan of which one step has been carried out, and the tools for working by hand.
+    void takeMacActions() {
+        QFile codex(m_folder.filePath(QStringLiteral(".local/bin/codex")));
+        if (codex.open(QIODevice::WriteOnly | QIODevice::Truncate)) codex.write(planningCodex);
+        codex.close();
+        m_desktop.installed.insert(QStringLiteral("org.gnome.TextEditor"),
+                                   {QStringLiteral("org.gnome.TextEditor"), QStringLiteral("Text Editor")});
+        workspace().setDestination(Destination::Mac);
+        if (auto* const task = qobject_cast<QPlainTextEdit*>(named("Mac task to plan")))
+            task->setPlainText(QStringLiteral("Start a new note with today’s tide time and save it."));
+        press("Make a plan");
+        (void)test::waitFor([this] { return named("Run next step")->isEnabled(); });
+        m_dialogs.answer(QStringLiteral("Run this step"));
+        press("Run next step");
+        if (m_desktop.opened)
+            m_desktop.opened(std::optional(RunningApplication{1, m_desktop.installed.first()}));
+        m_clock.advance(std::chrono::seconds(1));
+        take("mac-actions-plan");
+        press("Manual Mac tools");
+        for (auto* const area : m_application->window()->findChildren<QScrollArea*>()) {
+            settle();
+            if (area->isVisible()) area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+        }
+        take("mac-actions-tools");
+        press("Manual Mac tools");
+    }
+
     void startSession(std::size_t index) {
         const Transcript& text = transcripts.at(index % transcripts.size());
         const auto session = workspace().startSession(
@@ -265,6 +308,7 @@ private:
     FakeDialogs m_dialogs;
     FakeLauncher m_launcher;
     FakeSleepInhibitor m_sleepInhibitor;
+    FakeDesktopControl m_desktop;
     std::unique_ptr<OrvoApplication> m_application;
 };
 

@@ -12,24 +12,28 @@ namespace orvo {
 namespace {
 
 constexpr int cardHeight = 56;
+constexpr int describedCardHeight = 68;
 constexpr int padding = 16;
 constexpr int tile = 28;
 constexpr int gap = 12;
 
 }  // namespace
 
-ActionCard::ActionCard(const QString& icon, const QString& title, QWidget* parent)
-    : Pressable(title, parent), m_icon(icon) {
+ActionCard::ActionCard(const QString& icon, const QString& title, const QString& description, QWidget* parent)
+    : Pressable(title, parent), m_icon(icon), m_description(description) {
+    setAccessibleDescription(description);
     setFont(fontOf(TypeRole::Name));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize ActionCard::sizeHint() const {
-    return {2 * padding + tile + gap + fontMetrics().horizontalAdvance(title()), cardHeight};
+    const int width = std::max(fontMetrics().horizontalAdvance(title()),
+                               QFontMetrics(fontOf(TypeRole::Caption)).horizontalAdvance(m_description));
+    return {2 * padding + tile + gap + width, m_description.isEmpty() ? cardHeight : describedCardHeight};
 }
 
 QSize ActionCard::minimumSizeHint() const {
-    return {2 * padding + tile + gap + 24, cardHeight};
+    return {2 * padding + tile + gap + 24, sizeHint().height()};
 }
 
 void ActionCard::paintEvent(QPaintEvent*) {
@@ -48,10 +52,25 @@ void ActionCard::paintEvent(QPaintEvent*) {
     const QRectF tileRect(padding, (height() - tile) / 2, tile, tile);
     fillRounded(painter, tileRect, 8, toQColor(roles.tile));
     paintSymbol(painter, tileRect, m_icon, toQColor(roles.accent), 16);
-    painter.setPen(toQColor(roles.text));
-    const QRect text = rect().adjusted(padding + tile + gap, 0, -padding, 0);
-    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+    QRect line = rect().adjusted(padding + tile + gap, 0, -padding, 0);
+    const auto write = [&](const QRect& place, const QString& text, Rgb color) {
+        painter.setPen(toQColor(color));
+        painter.drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
+                         painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+    };
+    if (m_description.isEmpty()) {
+        write(line, title(), roles.text);
+        return;
+    }
+    const int titleHeight = linePitch(TypeRole::Name);
+    const int descriptionHeight = linePitch(TypeRole::Caption);
+    line.setTop((height() - titleHeight - descriptionHeight) / 2);
+    line.setHeight(titleHeight);
+    write(line, title(), roles.text);
+    line.translate(0, titleHeight);
+    line.setHeight(descriptionHeight);
+    painter.setFont(fontOf(TypeRole::Caption));
+    write(line, m_description, roles.muted);
 }
 
 }  // namespace orvo

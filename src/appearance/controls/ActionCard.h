@@ -4,12 +4,14 @@
 
 namespace orvo {
 
-/// A card that does something when chosen: a symbol on a tile and a title.
+/// A card that does something when chosen: a symbol on a tile, a title, and perhaps a line that
+/// explains it, which is its accessible description too.
 class ActionCard final : public Pressable {
     Q_OBJECT
 
 public:
-    explicit ActionCard(const QString& icon, const QString& title, QWidget* parent = nullptr);
+    explicit ActionCard(const QString& icon, const QString& title, const QString& description = {},
+                        QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -19,6 +21,7 @@ protected:
 
 private:
     QString m_icon;
+    QString m_description;
 };
 
 }  // namespace orvo

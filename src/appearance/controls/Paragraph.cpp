@@ -61,6 +61,14 @@ int Paragraph::layOut(QTextLayout& layout, int width) const {
     return lines;
 }
 
+int Paragraph::positionAt(const QPoint& point) const {
+    QTextLayout layout;
+    const int lines = layOut(layout, width());
+    if (lines == 0) return 0;
+    const int line = std::clamp(point.y() / paragraphPitch(m_type), 0, lines - 1);
+    return layout.lineAt(line).xToCursor(point.x());
+}
+
 int Paragraph::heightForWidth(int width) const {
     QTextLayout layout;
     return std::max(1, layOut(layout, width)) * paragraphPitch(m_type);
@@ -85,7 +93,7 @@ void Paragraph::paintEvent(QPaintEvent*) {
     painter.setPen(inkColor(rolesOf(this), m_ink));
     QTextLayout layout;
     layOut(layout, width());
-    layout.draw(&painter, {0, 0});
+    layout.draw(&painter, {0, 0}, marks());
 }
 
 }  // namespace orvo

@@ -10,7 +10,7 @@ namespace orvo {
 
 /// Running text with the line distance of the type scale, broken to its width; line breaks in it are kept.
 /// Its accessible name is the whole text.
-class Paragraph final : public QWidget {
+class Paragraph : public QWidget {
     Q_OBJECT
 
 public:
@@ -28,6 +28,10 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    /// Parts of the text that are painted otherwise.
+    virtual QList<QTextLayout::FormatRange> marks() const { return {}; }
+    /// The position in the text that is nearest to a point of the widget.
+    int positionAt(const QPoint& point) const;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -12,6 +12,13 @@ Symbol::Symbol(const QString& name, int size, Ink ink, QWidget* parent)
     setFixedSize(size, size);
 }
 
+void Symbol::setSymbol(const QString& name, Ink ink) {
+    if (name == m_name && ink == m_ink) return;
+    m_name = name;
+    m_ink = ink;
+    update();
+}
+
 void Symbol::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     paintSymbol(painter, QRectF(rect()), m_name, inkColor(rolesOf(this), m_ink), m_size);

@@ -13,13 +13,15 @@ class Symbol final : public QWidget {
 public:
     Symbol(const QString& name, int size, Ink ink, QWidget* parent = nullptr);
 
+    void setSymbol(const QString& name, Ink ink);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    const QString m_name;
+    QString m_name;
     const int m_size;
-    const Ink m_ink;
+    Ink m_ink;
 };
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #include "appearance/controls/accessibility.h"
 
 #include "appearance/controls/AlertSheet.h"
+#include "appearance/controls/Disclosure.h"
 #include "appearance/controls/HeaderPill.h"
 #include "appearance/controls/NavRow.h"
 #include "appearance/controls/Notice.h"
@@ -61,6 +62,26 @@ private:
     bool (*m_isCurrent)(const QWidget*);
 };
 
+/// A row that shows and hides what is below it.
+class DisclosureInterface final : public PressableInterface {
+public:
+    explicit DisclosureInterface(Disclosure* row)
+        : PressableInterface(row, QAccessible::Button), m_row(row) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = false;
+        state.checked = false;
+        state.expandable = true;
+        state.expanded = m_row->isChecked();
+        state.collapsed = !m_row->isChecked();
+        return state;
+    }
+
+private:
+    const Disclosure* m_row;
+};
+
 /// A button that opens a menu. The menu stands below it in the tree, because Qt lists no popup of its own
 /// accord.
 class MenuButtonInterface final : public PressableInterface {
@@ -96,6 +117,7 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
             return static_cast<const SessionTab*>(w)->isCurrent();
         });
     }
+    if (auto* row = qobject_cast<Disclosure*>(object)) return new DisclosureInterface(row);
     if (auto* button = qobject_cast<OrvoButton*>(object); button && button->menu()) {
         return new MenuButtonInterface(button);
     }

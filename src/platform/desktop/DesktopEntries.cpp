@@ -10,11 +10,15 @@ namespace {
 using Info = std::unique_ptr<GAppInfo, decltype([](GAppInfo* info) { g_object_unref(info); })>;
 
 InstalledApplication describe(GAppInfo* info) {
-    return {QString::fromUtf8(g_app_info_get_id(info)), QString::fromUtf8(g_app_info_get_display_name(info))};
+    // An entry that lies outside the desktop's own folders is known by its file.
+    const char* id = g_app_info_get_id(info);
+    if (!id) id = g_desktop_app_info_get_filename(G_DESKTOP_APP_INFO(info));
+    return {QString::fromUtf8(id), QString::fromUtf8(g_app_info_get_display_name(info))};
 }
 
 Info byID(const QByteArray& id) {
-    GDesktopAppInfo* const found = g_desktop_app_info_new(id.constData());
+    GDesktopAppInfo* const found = id.startsWith('/') ? g_desktop_app_info_new_from_filename(id.constData())
+                                                      : g_desktop_app_info_new(id.constData());
     return Info(found ? G_APP_INFO(found) : nullptr);
 }
 

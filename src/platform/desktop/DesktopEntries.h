@@ -14,8 +14,8 @@ class DesktopEntries {
     Q_DECLARE_TR_FUNCTIONS(DesktopEntries)
 
 public:
-    /// By desktop-entry id; by the identifiers that well-known applications have on other systems, which
-    /// stand for this desktop's own one of the kind; by the last piece of the identifier as id or name.
+    /// By desktop-entry id or file; by the identifiers that well-known applications have on other systems,
+    /// which stand for this desktop's own one of the kind; by the last piece of the identifier as id or name.
     static std::optional<InstalledApplication> find(const QString& identifier);
     /// The first of these ids that is installed.
     static std::optional<InstalledApplication> first(std::initializer_list<const char*> ids);

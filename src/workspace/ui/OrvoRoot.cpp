@@ -7,6 +7,7 @@
 #include "assistants/ui/AssistantsView.h"
 #include "assistants/ui/ConnectorView.h"
 #include "history/ui/HistoryView.h"
+#include "mac_actions/ui/ComputerActionsView.h"
 #include "platform/observe.h"
 #include "team_runs/TeamRuns.h"
 #include "team_runs/ui/TeamRunsView.h"
@@ -69,8 +70,10 @@ QWidget* OrvoRoot::makePage(Destination destination) {
             return new AppearanceView(m_theme);
         case Destination::Settings:
             return new SettingsView(m_workspace, m_launcher, settingsFacts());
-        case Destination::Files:
         case Destination::Mac:
+            if (!m_engines.macActions) break;
+            return new ComputerActionsView(*m_engines.macActions, m_workspace, {});
+        case Destination::Files:
         case Destination::Companion:
             break;
     }

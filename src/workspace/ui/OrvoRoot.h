@@ -16,12 +16,14 @@ class Notice;
 class TeamRuns;
 class Theme;
 class Workspace;
+class WorkspaceMacActions;
 enum class Destination;
 
 /// The engines behind pages of their own. Each outlives the screens; one that is absent leaves its page
 /// empty.
 struct Engines {
     TeamRuns* teamRuns = nullptr;
+    WorkspaceMacActions* macActions = nullptr;
 };
 
 /// The main window's content: sidebar, header, the page of the current destination, status bar; above them
