@@ -74,6 +74,8 @@ public:
     const std::optional<QString>& toast() const;
     bool presentConnector() const;
     const std::optional<Provider>& editingProvider() const;
+    /// What the person has typed to be run in the project.
+    const QString& runnerCommand() const;
     /// In creation order.
     const std::vector<std::shared_ptr<TerminalSession>>& sessions() const;
     const std::optional<QUuid>& activeSessionID() const;
@@ -86,6 +88,7 @@ public:
     void setSeparateCopies(bool separate);
     void setKeepAwake(bool keepAwake);
     void setFocusMode(bool focus);
+    void setRunnerCommand(const QString& command);
     void setActiveSessionID(const QUuid& id);
     /// Shows the connector editor for a record, or for a new connector when none is given.
     void editConnector(const std::optional<Provider>& provider);
@@ -127,6 +130,10 @@ public:
     std::shared_ptr<TerminalSession> startSession(const QString& provider, const QString& title,
                                                   const QString& command, const FilePath& directory,
                                                   SessionStep beforeStart = {}, SessionStep onFinish = {});
+    /// Runs the open file with the interpreter of its type, saving it first; says so when there is none.
+    void runFile();
+    /// Runs `runnerCommand` in the project; asks for a project when none is open.
+    void runCommand();
     /// Asks first when the session still runs.
     void closeSession(const std::shared_ptr<TerminalSession>& session);
     /// Shows the session alone.
@@ -154,6 +161,7 @@ Q_SIGNALS:
     void focusModeChanged();
     void toastChanged();
     void presentConnectorChanged();
+    void runnerCommandChanged();
     void sessionsChanged();
     void activeSessionIDChanged();
     /// Some listed session started or ended.
@@ -192,6 +200,7 @@ private:
     quint64 m_toastToken = 0;
     bool m_presentConnector = false;
     std::optional<Provider> m_editingProvider;
+    QString m_runnerCommand;
     // Invariant: names a listed session, or nothing.
     std::optional<QUuid> m_activeSessionID;
     std::vector<std::shared_ptr<TerminalSession>> m_sessions;

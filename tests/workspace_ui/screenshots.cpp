@@ -87,6 +87,35 @@ while [ $# -gt 0 ]; do [ "$1" = --output-last-message ] && out=$2; shift; done
 END
 )sh";
 
+constexpr const char* sampleScript = R"py(# Reads the tide tables and prints the next high water.
+import csv
+from datetime import datetime, timedelta
+
+HARBOR = "North Quay"
+OFFSET_MINUTES = 18
+
+
+def load(path):
+    with open(path, newline="") as handle:
+        rows = csv.DictReader(handle)
+        return [(datetime.fromisoformat(r["time"]), float(r["height"])) for r in rows]
+
+
+def next_high(table, now):
+    later = [entry for entry in table if entry[0] > now]
+    if len(later) < 3:
+        return None
+    for before, here, after in zip(later, later[1:], later[2:]):
+        if before[1] < here[1] > after[1]:
+            return here
+    return None
+
+
+if __name__ == "__main__":
+    found = next_high(load("data/tides.csv"), datetime.now())
+    print(HARBOR, found)
+)py";
+
 class Studio {
 public:
     Studio(QDir out, const ThemePreset& preset, QByteArray only)
@@ -153,6 +182,7 @@ public:
                      .replace(u' ', u'-')
                      .toUtf8());
         }
+        if (wants("files-runner-")) takeFiles();
         if (wants("team-runs")) takeTeamRuns();
         if (wants("mac-actions")) takeMacActions();
         if (wants("deck")) takeDecks();
@@ -191,6 +221,25 @@ private:
     }
     void press(const char* name) {
         if (auto* const button = qobject_cast<QAbstractButton*>(named(name))) button->click();
+    }
+
+    void takeFiles() {
+        const QDir project(QFile::decodeName(workspace().folder()->bytes()));
+        for (const char* folder : {"data", "docs", "src", "tests"})
+            project.mkpath(QLatin1String(folder));
+        for (const char* name :
+             {"Makefile", "next_tide.py", "package.json", "README.md", "requirements.txt"}) {
+            QFile file(project.filePath(QLatin1String(name)));
+            if (file.open(QIODevice::WriteOnly)) file.write(sampleScript);
+        }
+        workspace().files().refreshFiles();
+        workspace().setDestination(Destination::Files);
+        take("files-runner-chosen");
+        workspace().files().openFile({workspace().folder()->child("next_tide.py"), false});
+        take("files-runner-open");
+        workspace().files().setEditorText(workspace().files().editorText() + QStringLiteral("# more\n"));
+        take("files-runner-edited");
+        (void)workspace().files().saveFile();
     }
 
     // A run in which one assistant still works, one has finished and one has failed.

@@ -6,6 +6,7 @@
 #include "appearance/ui/AppearanceView.h"
 #include "assistants/ui/AssistantsView.h"
 #include "assistants/ui/ConnectorView.h"
+#include "files/ui/FilesView.h"
 #include "history/ui/HistoryView.h"
 #include "mac_actions/ui/ComputerActionsView.h"
 #include "platform/observe.h"
@@ -64,6 +65,8 @@ QWidget* OrvoRoot::makePage(Destination destination) {
             return new TeamRunsView(*m_engines.teamRuns, m_workspace, m_launcher);
         case Destination::Agents:
             return new AssistantsView(m_workspace, m_launcher);
+        case Destination::Files:
+            return new FilesView(m_workspace, m_theme);
         case Destination::History:
             return new HistoryView(m_workspace);
         case Destination::Appearance:

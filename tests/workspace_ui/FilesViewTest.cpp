@@ -1,0 +1,154 @@
+#include "appearance/controls/TextField.h"
+#include "files/ui/CodeEditor.h"
+#include "files/ui/FileList.h"
+#include "platform/TemporaryFolder.h"
+#include "support/WaitFor.h"
+#include "workspace_ui/ScreenFixture.h"
+
+#include <QAbstractItemModelTester>
+#include <QDir>
+#include <QTest>
+
+namespace orvo::test {
+namespace {
+
+QString text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+class FilesViewTest : public ScreenFixture {
+protected:
+    void openPage() {
+        workspace().setDestination(Destination::Files);
+        screen();
+        QTest::qWait(0);
+    }
+    /// A project with the file "main.py" in it.
+    void openProject() {
+        m_project = makeProject(text("notes"));
+        writeFile(m_project.child("main.py"), "return 3.14\n");
+        writeFile(m_project.child("readme.md"), "# Notes\n");
+        QDir(m_project.display()).mkpath(text("src/deep"));
+        writeFile(m_project.child("src").child("a2.txt"), "");
+        workspace().openFolderForThisRun(m_project);
+        openPage();
+    }
+    FileList& list() { return *find<FileList>(screen(), text("Files")); }
+    CodeEditor& editor() { return *find<CodeEditor>(screen(), text("Code editor")); }
+    /// Names as shown, the open file in brackets.
+    QString rows() {
+        QStringList names;
+        const QAbstractItemModel& model = *list().model();
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QModelIndex index = model.index(row, 0);
+            const bool isOpen = index.data(FileModel::IsOpenRole).toBool();
+            names.append(isOpen ? text("[%1]").arg(index.data().toString()) : index.data().toString());
+        }
+        return names.join(u' ');
+    }
+    void click(const char* name) {
+        const QAbstractItemModel& model = *list().model();
+        const auto found = model.match(model.index(0, 0), Qt::DisplayRole, text(name), 1, Qt::MatchExactly);
+        ASSERT_FALSE(found.isEmpty()) << name;
+        QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, list().visualRect(found[0]).center());
+    }
+
+    FilePath m_project;
+};
+
+TEST_F(FilesViewTest, WithoutAProjectThereIsNothingToList) {
+    openPage();
+    EXPECT_TRUE(shows(screen(), text("No project")));
+    EXPECT_TRUE(shows(screen(), text("Make something here.")));
+    EXPECT_EQ(rows(), QString());
+    EXPECT_FALSE(find<QAbstractButton>(screen(), text("Go up"))->isEnabled());
+}
+
+TEST_F(FilesViewTest, BrowsesFiltersAndGoesUp) {
+    openProject();
+    const QAbstractItemModelTester tester(list().model());
+    EXPECT_EQ(rows(), text("src main.py readme.md"));
+    auto* const filter = find<TextField>(screen(), text("Find a file…"));
+    filter->setText(text("READ"));
+    EXPECT_EQ(rows(), text("readme.md"));
+    filter->setText(QString());
+    click("src");
+    EXPECT_EQ(rows(), text("deep a2.txt"));
+    EXPECT_TRUE(shows(screen(), text("src")));
+    writeFile(m_project.child("src").child("a10.txt"), "");
+    press(text("Reload"));
+    EXPECT_EQ(rows(), text("deep a2.txt a10.txt"));
+    press(text("Go up"));
+    EXPECT_EQ(rows(), text("src main.py readme.md"));
+    EXPECT_TRUE(shows(screen(), text("notes")));
+}
+
+TEST_F(FilesViewTest, ASecondClickOfADoubleClickOpensNothing) {
+    openProject();
+    click("src");
+    const QPoint first = list().visualRect(list().model()->index(0, 0)).center();
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, first);
+    EXPECT_EQ(workspace().files().browsingFolder(), m_project.child("src"));
+}
+
+TEST_F(FilesViewTest, EditsAndSavesTheChosenFile) {
+    openProject();
+    click("main.py");
+    EXPECT_EQ(rows(), text("src [main.py] readme.md"));
+    EXPECT_EQ(editor().text(), text("return 3.14\n"));
+    EXPECT_FALSE(shows(screen(), text("Unsaved changes")));
+    editor().moveCursor(QTextCursor::End);
+    QTest::keyClicks(&editor(), text("x = 1"));
+    EXPECT_EQ(workspace().files().editorText(), text("return 3.14\nx = 1"));
+    EXPECT_EQ(editor().textCursor().position(), 17) << "the caret stays where the person types";
+    EXPECT_TRUE(shows(screen(), text("Unsaved changes")));
+    press(text("Save"));
+    EXPECT_EQ(readFile(m_project.child("main.py")), "return 3.14\nx = 1");
+    EXPECT_FALSE(shows(screen(), text("Unsaved changes")));
+    editor().undo();
+    EXPECT_EQ(workspace().files().editorText(), text("return 3.14\n")) << "saving keeps the undo steps";
+
+    m_dialogs.answer(text("Discard"));
+    click("readme.md");
+    EXPECT_EQ(editor().text(), text("# Notes\n"));
+    EXPECT_FALSE(editor().document()->isUndoAvailable()) << "another file, another history";
+}
+
+TEST_F(FilesViewTest, RunsTheFileAndFreeCommands) {
+    openProject();
+    writeFile(m_project.child("go.sh"), "echo \"went $((20 + 1))\"");
+    press(text("Reload"));
+    click("go.sh");
+    press(text("Run file"));
+    ASSERT_EQ(workspace().sessions().size(), 1u);
+    EXPECT_EQ(workspace().sessions()[0]->title(), text("Run · go.sh"));
+
+    workspace().setDestination(Destination::Files);
+    auto* const command = find<TextField>(screen(), text("Run a command in this project"));
+    command->setText(text("echo free"));
+    press(text("Execute"));
+    workspace().setDestination(Destination::Files);
+    QTest::keyClick(command, Qt::Key_Return);
+    EXPECT_EQ(workspace().sessions().size(), 3u);
+    ASSERT_TRUE(waitFor([&] { return !workspace().anySessionRunning(); }));
+    const auto shown = [&](int session) {
+        return QString::fromStdString(
+            workspace().sessions()[static_cast<std::size_t>(session)]->screen().plainText());
+    };
+    EXPECT_TRUE(shown(0).contains(text("went 21")));
+    EXPECT_TRUE(shown(2).contains(text("free")));
+}
+
+TEST_F(FilesViewTest, ATextFromElsewhereChangesOnlyWhatDiffers) {
+    openProject();
+    click("main.py");
+    editor().moveCursor(QTextCursor::End);
+    workspace().files().setEditorText(text("# first\nreturn 3.14\n"));
+    EXPECT_EQ(editor().text(), text("# first\nreturn 3.14\n"));
+    EXPECT_TRUE(editor().textCursor().atEnd());
+    editor().undo();
+    EXPECT_EQ(workspace().files().editorText(), text("return 3.14\n"));
+}
+
+}  // namespace
+}  // namespace orvo::test
