@@ -76,7 +76,6 @@ QWidget* OrvoRoot::makePage(Destination destination) {
         case Destination::Mac:
             if (!m_engines.macActions) break;
             return new ComputerActionsView(*m_engines.macActions, m_workspace, {});
-        case Destination::Files:
         case Destination::Companion:
             break;
     }
