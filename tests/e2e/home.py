@@ -7,10 +7,11 @@ import tempfile
 from desktop import Program, press_key, wait_for
 
 
-def on_a_project(binary, pictures, assistant, road):
+def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None):
     """Opens the program on a project, walks `road(program, project)`, and quits it as a person does.
 
-    `assistant` is the script that both assistants are, with NAME for the name of the tool.
+    `assistant` is the script that both assistants are, with NAME for the name of the tool. `prepare(root)` adds to
+    the folder in which home and project lie.
     """
     root = pathlib.Path(tempfile.mkdtemp())
     project = make_home(root, assistant)
@@ -18,6 +19,7 @@ def on_a_project(binary, pictures, assistant, road):
         os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
     os.environ["HOME"] = str(root / "home")
     os.environ["PATH"] = "/usr/bin:/bin"
+    prepare(root)
     shutil.rmtree(pictures, ignore_errors=True)
 
     program = Program(binary, pictures, ["--workspace", str(project)])

@@ -135,6 +135,21 @@ TEST_F(DesktopControlTest, StopsTypingWhenAnotherWindowComesToTheFront) {
     EXPECT_EQ(content(QStringLiteral("other")), QStringLiteral("x"));
 }
 
+TEST_F(DesktopControlTest, BringsARunningApplicationToTheFrontInsteadOfStartingItAgain) {
+    install("kept-target", ORVO_TYPING_TARGET " " + folder.filePath(QStringLiteral("kept")).toUtf8());
+    install("covering-target", ORVO_TYPING_TARGET " " + folder.filePath(QStringLiteral("cover")).toUtf8());
+    const RunningApplication kept = openInFront("kept-target");
+    ASSERT_TRUE(type(kept, QStringLiteral("one ")));
+    const RunningApplication covering = openInFront("covering-target");
+    const RunningApplication again = openInFront("kept-target");
+    EXPECT_EQ(again, kept);
+    EXPECT_FALSE(desktop.isFrontmost(covering));
+    ASSERT_TRUE(type(again, QStringLiteral("two")));
+    ASSERT_TRUE(press(again, 1, 0x100000));
+    ASSERT_TRUE(waitFor([&] { return !content(QStringLiteral("kept")).isEmpty(); }));
+    EXPECT_EQ(content(QStringLiteral("kept")), QStringLiteral("one two"));
+}
+
 TEST_F(DesktopControlTest, StopsTypingWhenItIsCancelled) {
     install("typing-target", ORVO_TYPING_TARGET " " + folder.filePath(QStringLiteral("saved")).toUtf8());
     const RunningApplication target = openInFront("typing-target");

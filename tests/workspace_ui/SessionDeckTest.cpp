@@ -72,6 +72,19 @@ TEST_F(SessionDeckTest, focusingAPaneMakesItsSessionActive) {
     EXPECT_EQ(workspace().activeSessionID(), id(0));
 }
 
+TEST_F(SessionDeckTest, aTerminalBehindAnotherPageCatchesNoKeysUntilItIsShown) {
+    start(1);
+    workspace().setDestination(Destination::Settings);
+    workspace().startSession(QStringLiteral("shell"), QStringLiteral("Behind"),
+                             QStringLiteral("exec sleep 60"), *workspace().folder());
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(screen().window()->focusWidget());
+    EXPECT_FALSE(screen().window()->focusWidget()->inherits("orvo::TerminalView"));
+    workspace().setDestination(Destination::Workspace);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::focusWidget(), &pane(1)->view());
+}
+
 TEST_F(SessionDeckTest, focusShowsTheActivePaneAloneAndGridTheSamePanesAgain) {
     start(3);
     const QList<TerminalPane*> before = visiblePanes();

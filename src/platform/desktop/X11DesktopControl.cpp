@@ -2,8 +2,8 @@
 
 #include "platform/FileDescriptor.h"
 #include "platform/SerialQueue.h"
+#include "platform/desktop/ApplicationWindow.h"
 #include "platform/desktop/DesktopEntries.h"
-#include "platform/desktop/FrontWindow.h"
 #include "platform/desktop/KeyboardTyper.h"
 #include "platform/desktop/XConnection.h"
 #include "platform/systemError.h"
@@ -29,6 +29,7 @@ bool isWaylandSession() {
 
 // A started process: reaped when it ends. One that ended without an error has handed over to another.
 struct X11DesktopControl::Launched {
+    InstalledApplication application;
     FileDescriptor process;
     std::unique_ptr<QSocketNotifier> watch;
     bool failed = false;
@@ -72,6 +73,7 @@ Result<qint64> X11DesktopControl::launch(const InstalledApplication& application
     if (!started || *started <= 0) return started;
     const auto id = static_cast<pid_t>(*started);
     auto launched = std::make_unique<Launched>();
+    launched->application = application;
     launched->process = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
     if (!launched->process.isOpen()) return started;
     launched->watch = std::make_unique<QSocketNotifier>(launched->process.number(), QSocketNotifier::Read);
@@ -89,11 +91,34 @@ Result<qint64> X11DesktopControl::launch(const InstalledApplication& application
     return started;
 }
 
+// Many programs open one more window each time they are started; the steps of a plan belong into one.
+std::optional<RunningApplication> X11DesktopControl::activate(const InstalledApplication& application) {
+    if (!isTrusted()) return std::nullopt;
+    const QByteArray windowClass = DesktopEntries::windowClass(application);
+    QList<RunningApplication> candidates{{0, application}};
+    for (const auto& [id, launched] : m_launched) {
+        if (launched->application == application) candidates.append({id, application});
+    }
+    for (const ApplicationWindow& window : ApplicationWindow::all(*m_connection)) {
+        for (const RunningApplication& candidate : std::as_const(candidates)) {
+            if (!window.belongsTo(candidate, windowClass)) continue;
+            window.activate(*m_connection);
+            return RunningApplication{candidate.processID ? candidate.processID : window.processID,
+                                      application};
+        }
+    }
+    return std::nullopt;
+}
+
 void X11DesktopControl::later(std::function<void()> work) {
     QTimer::singleShot(0, this, std::move(work));
 }
 
 void X11DesktopControl::openApplication(const InstalledApplication& application, Opened done) {
+    if (const auto running = activate(application)) {
+        later([running, done = std::move(done)] { done(running); });
+        return;
+    }
     const auto started = launch(application, {});
     later([started, application, done = std::move(done)] {
         done(started.map([&](qint64 id) { return std::optional(RunningApplication{id, application}); }));
@@ -112,7 +137,7 @@ bool X11DesktopControl::isTerminated(const RunningApplication& application) cons
 
 bool X11DesktopControl::isFrontmost(const RunningApplication& application) const {
     if (!isTrusted()) return false;
-    const auto front = FrontWindow::find(*m_connection);
+    const auto front = ApplicationWindow::inFront(*m_connection);
     return front && front->belongsTo(application, DesktopEntries::windowClass(application.application));
 }
 
@@ -130,7 +155,7 @@ namespace {
 KeyboardTyper::Guard inFront(const RunningApplication& application) {
     return [application, windowClass = DesktopEntries::windowClass(application.application)](
                const XConnection& connection) {
-        const auto front = FrontWindow::find(connection);
+        const auto front = ApplicationWindow::inFront(connection);
         return front && front->belongsTo(application, windowClass);
     };
 }

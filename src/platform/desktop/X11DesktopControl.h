@@ -42,6 +42,8 @@ public:
 private:
     struct Launched;
 
+    /// Brings a window of the running application to the front; nothing when there is none.
+    std::optional<RunningApplication> activate(const InstalledApplication& application);
     Result<qint64> launch(const InstalledApplication& application, const QUrl& address);
     void later(std::function<void()> work);
     using Input = std::function<Result<void>(KeyboardTyper&)>;

@@ -38,8 +38,8 @@ xcb_atom_t XConnection::atom(const char* name) const {
 }
 
 std::optional<QByteArray> XConnection::property(xcb_window_t window, const char* name) const {
-    // In 32-bit units; what we read is a number or a short text.
-    constexpr uint32_t longest = 256;
+    // In 32-bit units; what we read is a number, a short text, or the list of all windows.
+    constexpr uint32_t longest = 4096;
     const xcb_atom_t wanted = atom(name);
     if (wanted == XCB_ATOM_NONE) return std::nullopt;
     const auto cookie = xcb_get_property(m_connection, 0, window, wanted, XCB_ATOM_ANY, 0, longest);

@@ -145,7 +145,15 @@ void SessionDeck::focusTerminal(const QUuid& id) {
     if (TerminalPane* const pane = m_panes.value(id)) pane->setFocus();
 }
 
+void SessionDeck::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_focusIsDue) focusNewTerminal();
+}
+
 void SessionDeck::focusNewTerminal() {
+    // Behind another page it would catch keys that are meant for that page; it gets them when it is shown.
+    m_focusIsDue = m_workspace.destination() != Destination::Workspace;
+    if (m_focusIsDue) return;
     // Somebody who is writing goes on writing: a session that starts meanwhile must not catch the keys.
     const auto* const editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
     if (editor && !editor->document()->isEmpty()) return;

@@ -25,6 +25,9 @@ class SessionDeck : public QWidget {
 public:
     SessionDeck(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     QWidget* makeHeader();
     TerminalPane* makePane(TerminalSession& session);
@@ -44,6 +47,8 @@ private:
     SessionTabs* m_tabs = nullptr;
     DeckGrid* m_grid = nullptr;
     QHash<QUuid, TerminalPane*> m_panes;
+    /// A terminal that was started behind another page waits for the keyboard.
+    bool m_focusIsDue = false;
 };
 
 }  // namespace orvo
