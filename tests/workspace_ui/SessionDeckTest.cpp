@@ -77,6 +77,8 @@ TEST_F(SessionDeckTest, aTerminalBehindAnotherPageCatchesNoKeysUntilItIsShown) {
     workspace().setDestination(Destination::Settings);
     workspace().startSession(QStringLiteral("shell"), QStringLiteral("Behind"),
                              QStringLiteral("exec sleep 60"), *workspace().folder());
+    // As the page does that has action plans drafted.
+    workspace().setDestination(Destination::Settings);
     QCoreApplication::processEvents();
     ASSERT_TRUE(screen().window()->focusWidget());
     EXPECT_FALSE(screen().window()->focusWidget()->inherits("orvo::TerminalView"));

@@ -147,7 +147,8 @@ void SessionDeck::focusTerminal(const QUuid& id) {
 
 void SessionDeck::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    if (m_focusIsDue) focusNewTerminal();
+    // Once the stack of pages has put the focus where it stood when this page was left.
+    if (m_focusIsDue) QMetaObject::invokeMethod(this, [this] { focusNewTerminal(); }, Qt::QueuedConnection);
 }
 
 void SessionDeck::focusNewTerminal() {
