@@ -99,6 +99,26 @@ std::string encodeKey(TerminalKey key, KeyModifiers modifiers, CursorKeys mode) 
     }
 }
 
+std::string encodeKeypadKey(TerminalKey key, KeyModifiers modifiers, CursorKeys mode, Keypad keypad) {
+    if (keypad == Keypad::Normal || modifiers.any()) return encodeKey(key, modifiers, mode);
+    switch (key) {
+        case TerminalKey::Home:
+            return "\x1BOw";
+        case TerminalKey::PageUp:
+            return "\x1BOy";
+        case TerminalKey::Begin:
+            return "\x1BOu";
+        case TerminalKey::End:
+            return "\x1BOq";
+        case TerminalKey::PageDown:
+            return "\x1BOs";
+        case TerminalKey::Return:
+            return "\x1BOM";
+        default:
+            return encodeKey(key, modifiers, mode);
+    }
+}
+
 std::string encodeText(std::string_view utf8, KeyModifiers modifiers) {
     return utf8.empty() ? std::string() : withAlt(utf8, modifiers);
 }

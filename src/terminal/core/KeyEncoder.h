@@ -53,10 +53,15 @@ struct KeyModifiers {
 };
 
 enum class CursorKeys : std::uint8_t { Normal, Application };
+enum class Keypad : std::uint8_t { Normal, Application };
 enum class PasteBrackets : std::uint8_t { Off, On };
 
 /// What a key sends to the program, in the form of the terminfo entry xterm-256color.
 std::string encodeKey(TerminalKey key, KeyModifiers modifiers, CursorKeys mode);
+
+/// What a key of the keypad sends while its digits are off; in application mode corners, middle and Enter
+/// have sequences of their own.
+std::string encodeKeypadKey(TerminalKey key, KeyModifiers modifiers, CursorKeys mode, Keypad keypad);
 
 /// What typed text sends: the text itself, with ESC in front while Alt is held.
 std::string encodeText(std::string_view utf8, KeyModifiers modifiers);

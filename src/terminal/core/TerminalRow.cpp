@@ -10,13 +10,13 @@ namespace {
 
 constexpr TerminalCell blankCell;
 
-bool isCluster(const TerminalCell& cell) {
+bool holdsCluster(const TerminalCell& cell) {
     return (cell.attributes & TerminalCell::Cluster) != 0;
 }
 
 /// Whether the cell adds nothing to a line that is trimmed behind it. No cluster ends in white space.
 bool isTrimmed(const TerminalCell& cell) {
-    if (isCluster(cell)) return false;
+    if (holdsCluster(cell)) return false;
     return cell.continuation() || (characterProperties(cell.content) & WhiteSpace) != 0;
 }
 
@@ -29,7 +29,7 @@ void TerminalRow::storeBlanks(int end) const {
 }
 
 void TerminalRow::appendText(std::string& text, const TerminalCell& cell) const {
-    if (isCluster(cell)) {
+    if (holdsCluster(cell)) {
         for (const char32_t scalar : m_clusters[cell.content]) {
             appendUtf8(text, scalar);
         }
@@ -96,7 +96,7 @@ std::u32string_view TerminalRow::scalars(int column) const {
     static constexpr char32_t blank = U' ';
     if (column < 0 || column >= m_filled) return {&blank, 1};
     const TerminalCell& cell = m_cells[static_cast<std::size_t>(column)];
-    if (isCluster(cell)) return m_clusters[cell.content];
+    if (holdsCluster(cell)) return m_clusters[cell.content];
     if (cell.continuation()) return {};
     static_assert(sizeof(cell.content) == sizeof(char32_t));
     return {reinterpret_cast<const char32_t*>(&cell.content), 1};
@@ -109,7 +109,7 @@ void TerminalRow::markExtras(std::vector<bool>& used) const {
 }
 
 std::u32string& TerminalRow::clusterOf(TerminalCell& cell) {
-    if (isCluster(cell)) return m_clusters[cell.content];
+    if (holdsCluster(cell)) return m_clusters[cell.content];
     if (m_clusters.size() >= 2 * static_cast<std::size_t>(m_width)) forgetUnusedClusters();
     std::u32string& cluster = m_clusters.emplace_back();
     if (!cell.continuation()) cluster.push_back(cell.content);
@@ -121,7 +121,7 @@ std::u32string& TerminalRow::clusterOf(TerminalCell& cell) {
 void TerminalRow::forgetUnusedClusters() {
     std::vector<std::u32string> used;
     for (TerminalCell& cell : std::span(m_cells.data(), static_cast<std::size_t>(m_filled))) {
-        if (!isCluster(cell)) continue;
+        if (!holdsCluster(cell)) continue;
         used.push_back(std::move(m_clusters[cell.content]));
         cell.content = static_cast<std::uint32_t>(used.size() - 1);
     }
@@ -169,7 +169,7 @@ bool TerminalRow::consistent() const {
     if (m_clusters.size() > 2 * std::max<std::size_t>(1, m_cells.size())) return false;
     return std::ranges::all_of(std::span(m_cells.data(), static_cast<std::size_t>(m_filled)),
                                [this](const auto& cell) {
-                                   if (!isCluster(cell)) return cell.content <= U'\U0010FFFF';
+                                   if (!holdsCluster(cell)) return cell.content <= U'\U0010FFFF';
                                    if (cell.content >= m_clusters.size()) return false;
                                    const std::size_t length = m_clusters[cell.content].size();
                                    return length >= 1 && length <= longestCluster;

@@ -39,6 +39,11 @@ public:
     bool continuation(int column) const {
         return column < m_filled && m_cells[static_cast<std::size_t>(column)].continuation();
     }
+    /// Whether a cell's text is more than one scalar.
+    bool isCluster(int column) const {
+        return column < m_filled &&
+               (m_cells[static_cast<std::size_t>(column)].attributes & TerminalCell::Cluster) != 0;
+    }
     /// Makes the row `width` blank cells.
     void clear(int width, std::uint64_t stamp);
     /// Cuts the row, or lengthens it with blank cells.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string>
 
 namespace orvo {
 namespace {
@@ -79,11 +80,21 @@ void TerminalScreen::print(char32_t scalar) {
     constexpr std::uint8_t joining =
         NonspacingMark | Emoji | EmojiModifier | RegionalIndicator | Joiner | Tag;
     const std::uint8_t properties = characterProperties(scalar);
-    if ((properties & joining) != 0 && joinPrevious(scalar, properties)) return;
-    put(scalar, (properties & Wide) != 0 ? 2 : 1);
+    const int width = (properties & Wide) != 0 ? 2 : 1;
+    // An emoji joins nothing but a cluster that ends with a joiner, and most have none before them.
+    const bool alone = (properties & joining) == Emoji && !clusterBefore();
+    if ((properties & joining) != 0 && !alone && joinPrevious(scalar, properties)) return;
+    put(scalar, width);
 }
 
-void TerminalScreen::put(char32_t scalar, int width) {
+bool TerminalScreen::clusterBefore() const {
+    const int column = m_pendingWrap ? m_cursor.column : m_cursor.column - 1;
+    if (column < 0) return false;
+    const TerminalRow& row = line(m_cursor.row);
+    return row.isCluster(column > 0 && row.continuation(column) ? column - 1 : column);
+}
+
+inline void TerminalScreen::put(char32_t scalar, int width) {
     if (m_pendingWrap || (width == 2 && m_cursor.column == m_columns - 1)) makeRoom(width);
     const int fitting = std::min(width, m_columns - m_cursor.column);
     TerminalRow& line = cursorLine();
@@ -105,6 +116,18 @@ void TerminalScreen::makeRoom(int width) {
     if (m_modes.autowrap) return wrap();
     m_pendingWrap = false;
     m_cursor.column = std::max(m_columns - width, 0);
+}
+
+void TerminalScreen::repeatLast(int count) {
+    if (m_lastPrinted == 0) return;
+    count = std::min(count, m_rows * m_columns);
+    const bool plain = m_lastPrinted < 0x80 && !m_textInModes;
+    if (plain)
+        return printAscii(std::string(static_cast<std::size_t>(count), static_cast<char>(m_lastPrinted)));
+    const int width = (characterProperties(m_lastPrinted) & Wide) != 0 ? 2 : 1;
+    for (; count > 0; --count) {
+        put(m_lastPrinted, width);
+    }
 }
 
 void TerminalScreen::wrap() {

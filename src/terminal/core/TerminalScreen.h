@@ -132,6 +132,7 @@ private:
     void makeRoom(int width);
     void wrap();
     void advance(int width);
+    bool clusterBefore() const;
     bool joinPrevious(char32_t scalar, std::uint8_t properties);
     bool joinsCell(const TerminalRow& line, int column, char32_t scalar, std::uint8_t properties) const;
     void widenPrevious(int column);
@@ -178,6 +179,7 @@ private:
     void report(int kind);
     void reportPrivate(int kind);
     void reportMode(int mode);
+    void reportSize() const;
     void reportAttributes() const;
     void reportColorScheme() const;
     void reportColors(std::size_t first, std::string_view fields, std::string_view terminator) const;

@@ -1,9 +1,8 @@
-// Scalars that become one character with the one before them, and the repeated one.
+// Scalars that become one character with the one before them.
 #include "terminal/core/CharacterProperties.h"
 #include "terminal/core/TerminalScreen.h"
 
-#include <algorithm>
-#include <string>
+#include <string_view>
 
 namespace orvo {
 namespace {
@@ -60,18 +59,6 @@ void TerminalScreen::widenPrevious(int column) {
     second.attributes |= TerminalCell::Continuation;
     *line.overwrite(m_cursor.column, 1, nextStamp()) = second;
     advance(1);
-}
-
-void TerminalScreen::repeatLast(int count) {
-    if (m_lastPrinted == 0) return;
-    count = std::min(count, m_rows * m_columns);
-    const bool plain = m_lastPrinted < 0x80 && !m_textInModes;
-    if (plain)
-        return printAscii(std::string(static_cast<std::size_t>(count), static_cast<char>(m_lastPrinted)));
-    const int width = (characterProperties(m_lastPrinted) & Wide) != 0 ? 2 : 1;
-    for (; count > 0; --count) {
-        put(m_lastPrinted, width);
-    }
 }
 
 }  // namespace orvo

@@ -62,6 +62,10 @@ void TerminalScreen::reportAttributes() const {
     respond("\x1B[?1;2c");
 }
 
+void TerminalScreen::reportSize() const {
+    respond("\x1B[8;" + std::to_string(m_rows) + ";" + std::to_string(m_columns) + "t");
+}
+
 void TerminalScreen::reportMode(int mode) {
     const bool ofAlternate = mode == 47 || mode == 1047 || mode == 1049;
     const bool* const value = m_modes.privateMode(mode);

@@ -52,6 +52,8 @@ void TerminalScreen::intermediateEscape(std::string_view intermediates, char fin
 
 void TerminalScreen::controlSequence(const ControlSequence& sequence) {
     if (sequence.plain()) {
+        // By far the most frequent one.
+        if (sequence.final == 'm') return setGraphicRendition(sequence);
         plainSequence(sequence);
     } else if (sequence.intermediates.empty()) {
         markedSequence(sequence);
@@ -104,9 +106,6 @@ void TerminalScreen::plainSequence(const ControlSequence& sequence) {
     const int count = sequence.count();
     const auto [row, column] = m_cursor;
     switch (sequence.final) {
-        case 'm':
-            setGraphicRendition(sequence);
-            break;
         case 'A':
             moveTo(row - count, column);
             break;
@@ -178,8 +177,7 @@ void TerminalScreen::plainSequence(const ControlSequence& sequence) {
             changeModes(sequence, sequence.final == 'h' ? ModeChange::Set : ModeChange::Reset);
             break;
         case 't':
-            if (sequence.parameter(0) == 18)
-                respond("\x1B[8;" + std::to_string(m_rows) + ";" + std::to_string(m_columns) + "t");
+            if (sequence.parameter(0) == 18) reportSize();
             break;
         case 'c':
             reportAttributes();

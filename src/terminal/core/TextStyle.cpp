@@ -182,8 +182,13 @@ void applyColonField(TextStyle& style, std::string_view text) {
 void applyParameters(TextStyle& style, std::span<const int> parameters) {
     while (!parameters.empty()) {
         std::size_t taken = 1;
-        if (CellColor* const color = extendedTarget(style, parameters.front())) {
-            taken = extendedColor(parameters, *color);
+        // The two that full-screen programs send with every other cell come first.
+        if (parameters.front() == 38) {
+            taken = extendedColor(parameters, style.cell.foreground);
+        } else if (parameters.front() == 48) {
+            taken = extendedColor(parameters, style.cell.background);
+        } else if (parameters.front() == 58) {
+            taken = extendedColor(parameters, style.underlineColor);
         } else {
             applyOne(style, parameters.front());
         }

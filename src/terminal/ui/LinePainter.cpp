@@ -94,24 +94,47 @@ LinePainter::Look LinePainter::lookOf(const TerminalCell& cell) const {
     return look;
 }
 
-void LinePainter::paint(const TerminalRow& line, int row) {
+void LinePainter::prepareLooks(std::span<const TerminalCell> cells, std::span<const Highlight> highlights) {
+    m_looks.clear();
+    for (const TerminalCell& cell : cells)
+        m_looks.push_back(lookOf(cell));
+    for (const Highlight& mark : highlights) {
+        if (mark.underlined) continue;
+        const auto end = std::min(static_cast<std::size_t>(std::max(mark.end, 0)), m_looks.size());
+        for (auto column = static_cast<std::size_t>(std::max(mark.first, 0)); column < end; ++column) {
+            m_looks[column].fill = mark.fill;
+            // What an inverse cell writes in the background's colour would vanish in the mark.
+            if (cells[column].inverse())
+                m_looks[column].text = opaque(cells[column].foreground, m_defaultText);
+        }
+    }
+}
+
+void LinePainter::paint(const TerminalRow& line, int row, std::span<const Highlight> highlights) {
     const std::span<const TerminalCell> all = line.cells();
     const auto cells = all.first(std::min(all.size(), static_cast<std::size_t>(m_columns)));
     if (cells.empty()) return;
     // Tall glyphs stay in their line: otherwise what they leave in the next one would depend on which was
     // drawn last.
     m_painter.setClipRect(snappedCell(row, 0, m_columns));
-    paintBackgrounds(cells, row);
+    prepareLooks(cells, highlights);
+    paintBackgrounds(row);
     paintTexts(line, cells, row);
     paintDecorations(cells, row);
+    for (const Highlight& mark : highlights) {
+        if (!mark.underlined) continue;
+        const QRectF area = snappedCell(row, mark.first, mark.end - mark.first);
+        const double top = snapY(m_geometry.lineY(row) + m_glyphs.baseline() + m_glyphs.underlineOffset());
+        paintUnderline(TerminalCell::Underline::Single, area, top, QColor::fromRgb(mark.fill));
+    }
 }
 
-void LinePainter::paintBackgrounds(std::span<const TerminalCell> cells, int row) {
-    const int count = static_cast<int>(cells.size());
+void LinePainter::paintBackgrounds(int row) {
+    const int count = static_cast<int>(m_looks.size());
     for (int begin = 0, end = 0; begin < count; begin = end) {
-        const QRgb fill = lookOf(cells[static_cast<std::size_t>(begin)]).fill;
+        const QRgb fill = m_looks[static_cast<std::size_t>(begin)].fill;
         for (end = begin + 1; end < count; ++end) {
-            if (lookOf(cells[static_cast<std::size_t>(end)]).fill != fill) break;
+            if (m_looks[static_cast<std::size_t>(end)].fill != fill) break;
         }
         if (fill != 0) m_painter.fillRect(snappedCell(row, begin, end - begin), QColor::fromRgb(fill));
     }
@@ -124,7 +147,7 @@ void LinePainter::paintTexts(const TerminalRow& line, std::span<const TerminalCe
         if (isBlank(cell) || cell.continuation() || (cell.attributes & TerminalCell::Conceal) != 0) continue;
         const int column = static_cast<int>(i);
         const int span = i + 1 < cells.size() && cells[i + 1].continuation() ? 2 : 1;
-        const Look look = lookOf(cell);
+        const Look& look = m_looks[i];
         const bool cluster = (cell.attributes & TerminalCell::Cluster) != 0;
         if (!cluster && isBoxCharacter(cell.content)) {
             paintBoxCharacter(m_painter, cell.content, snappedCell(row, column, span),
@@ -175,7 +198,7 @@ void LinePainter::paintDecorations(std::span<const TerminalCell> cells, int row)
         const TerminalCell& cell = cells[i];
         if ((cell.attributes & decorated) == 0) continue;
         const QRectF area = snappedCell(row, static_cast<int>(i));
-        const QRgb text = lookOf(cell).text;
+        const QRgb text = m_looks[i].text;
         const auto rule = [&](double y) {
             const double top = std::min(snapY(y), area.bottom() - thick);
             m_painter.fillRect(QRectF(area.x(), top, area.width(), thick), QColor::fromRgb(text));

@@ -7,6 +7,7 @@
 #include <QColor>
 #include <QList>
 
+#include <span>
 #include <vector>
 
 class QPainter;
@@ -21,6 +22,17 @@ struct CellDefaults {
     bool operator==(const CellDefaults&) const = default;
 };
 
+/// Some columns of a line that are marked: up to, not including, `end`.
+struct Highlight {
+    int first = 0;
+    int end = 0;
+    QRgb fill = 0;
+    /// An underline below linked text instead of a fill.
+    bool underlined = false;
+
+    bool operator==(const Highlight&) const = default;
+};
+
 /// Draws lines of cells during one paint event.
 class LinePainter {
 public:
@@ -29,7 +41,8 @@ public:
                 int columns);
 
     /// Draws a line at the grid's row, within that row's rectangle. The background must be filled already.
-    void paint(const TerminalRow& line, int row);
+    /// Of highlights that overlap, the last is seen.
+    void paint(const TerminalRow& line, int row, std::span<const Highlight> highlights = {});
 
     /// A cell rectangle with its edges on whole device pixels: neighbours meet without gap or overlap.
     QRectF snappedCell(int row, int column, int span = 1) const;
@@ -45,9 +58,10 @@ private:
     };
 
     Look lookOf(const TerminalCell& cell) const;
+    void prepareLooks(std::span<const TerminalCell> cells, std::span<const Highlight> highlights);
     double snapX(double x) const;
     double snapY(double y) const;
-    void paintBackgrounds(std::span<const TerminalCell> cells, int row);
+    void paintBackgrounds(int row);
     void paintTexts(const TerminalRow& line, std::span<const TerminalCell> cells, int row);
     void paintDecorations(std::span<const TerminalCell> cells, int row);
     void paintUnderline(TerminalCell::Underline style, const QRectF& area, double top, const QColor& color);
@@ -66,6 +80,8 @@ private:
     QPointF m_origin;
     double m_scale;
     std::vector<double> m_edges;
+    /// Those of the line that is being painted, by column.
+    std::vector<Look> m_looks;
 
     // The run of glyphs of one look that is being collected.
     Look m_runLook;

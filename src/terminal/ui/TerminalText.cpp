@@ -1,16 +1,12 @@
 #include "terminal/ui/TerminalText.h"
 
 #include "terminal/core/TerminalScreen.h"
+#include "terminal/ui/ScreenLines.h"
 
 #include <algorithm>
 
 namespace orvo {
 namespace {
-
-const TerminalRow& lineAt(const TerminalScreen& screen, int index) {
-    const int history = screen.scrollbackCount();
-    return index < history ? screen.scrollbackLine(index) : screen.line(index - history);
-}
 
 /// Length of the text left of the cursor, in UTF-16 units.
 int offsetInLine(const TerminalRow& line, int column) {
@@ -29,7 +25,7 @@ TerminalText TerminalText::of(const TerminalScreen& screen) {
     const int cursorLine = history + screen.row();
     int cursor = 0;
     for (int index = 0; index < history + screen.rows(); ++index) {
-        QString line = QString::fromStdString(lineAt(screen, index).plainText());
+        QString line = QString::fromStdString(lineAt(screen, orvo::firstLine(screen) + index)->plainText());
         qsizetype indent = 0;
         if (result.lineStarts.isEmpty()) {
             if (line.isEmpty()) continue;

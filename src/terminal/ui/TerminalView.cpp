@@ -19,7 +19,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTextLayout>
-#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -33,10 +32,13 @@ constexpr int frameMilliseconds = 16;
 constexpr int longestHoldMilliseconds = 150;
 // A screen reader cannot follow faster, and every announcement compares the whole text.
 constexpr int announcementMilliseconds = 100;
-// Scrolling: three dip of wheel movement make a line, and a notch (120 of Qt's units) counts nine dip.
-constexpr double dipPerLine = 3;
-constexpr double dipPerNotch = 9;
-constexpr double notch = 120;
+constexpr double smallestFont = 6;
+constexpr double largestFont = 40;
+
+// Shares of the accent in the fill behind marked text.
+constexpr double selectionShare = 0.38;
+constexpr double matchShare = 0.22;
+constexpr double currentMatchShare = 0.5;
 
 constexpr double focusedCursorOpacity = 0.6;
 constexpr double cursorOpacity = 0.22;
@@ -52,6 +54,9 @@ TerminalView::TerminalView(Theme& theme, QWidget* parent) : QWidget(parent), m_t
     setAttribute(Qt::WA_InputMethodEnabled);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::IBeamCursor);
+    setMouseTracking(true);
+    setAcceptDrops(true);
+    connect(&m_selectionScroll, &QTimer::timeout, this, &TerminalView::scrollWhileSelecting);
 
     m_frame.setSingleShot(true);
     m_frame.setTimerType(Qt::PreciseTimer);
@@ -81,6 +86,9 @@ void TerminalView::setSession(TerminalSession* session) {
     setAccessibleName(session != nullptr ? session->title() : QString());
     m_preedit.clear();
     m_wheelRemainder = 0;
+    clearSelection();
+    m_matches.clear();
+    m_reportedButton.reset();
     setScrollOffset(0);
     if (session != nullptr) {
         for (const auto change : {&TerminalSession::revisionChanged, &TerminalSession::runningChanged}) {
@@ -102,9 +110,16 @@ const TerminalScreen* TerminalView::screen() const {
 }
 
 void TerminalView::applyFont() {
-    m_glyphs = std::make_unique<GlyphCache>(m_theme.fontSize());
+    m_glyphs =
+        std::make_unique<GlyphCache>(std::clamp(m_theme.fontSize() + m_zoom, smallestFont, largestFont));
     if (isVisible()) fitSession();
     repaintAll();
+}
+
+void TerminalView::setZoom(int steps) {
+    const int least = static_cast<int>(std::ceil(smallestFont - m_theme.fontSize()));
+    const int most = static_cast<int>(std::floor(largestFont - m_theme.fontSize()));
+    if (assign(m_zoom, std::clamp(steps, std::min(least, 0), std::max(most, 0)))) applyFont();
 }
 
 void TerminalView::applyColors() {
@@ -191,6 +206,7 @@ void TerminalView::showChanges() {
     if (holdsPicture()) return;
     m_sinceFrame.start();
     if (const TerminalScreen* shown = screen()) follow(*shown);
+    dropStaleSelection();
     updateChanged();
     if (!m_announcement.isActive() && TerminalAccessible::isListenedTo(*this)) m_announcement.start();
 }
@@ -204,9 +220,73 @@ void TerminalView::updateChanged() {
         if (std::exchange(m_shownStamps[static_cast<std::size_t>(row)], stamp) == stamp) continue;
         update(m_glyphs->geometry().line(row, width()));
     }
+    updateHighlights();
     // Composed text lies over cells that no line tells about, and moves with the cursor.
     if (!m_preedit.isEmpty()) update();
     updateCursor();
+}
+
+LineNumber TerminalView::lineOfRow(int row) const {
+    const TerminalScreen& shown = m_session->screen();
+    const int history = shown.scrollbackCount();
+    return firstLine(shown) + history - std::min(m_scrollOffset, history) + row;
+}
+
+std::vector<Highlight> TerminalView::highlightsIn(int row) const {
+    std::vector<Highlight> marks;
+    const int columns = m_session->screen().columns();
+    const LineNumber line = lineOfRow(row);
+    const auto add = [&marks](const std::optional<ColumnRange>& range, QRgb fill, bool underlined = false) {
+        if (range) marks.push_back({range->first, range->end, fill, underlined});
+    };
+    auto match =
+        std::ranges::lower_bound(m_matches, line, {}, [](const TextMatch& each) { return each.end.line; });
+    for (; match != m_matches.end() && match->begin.line <= line; ++match) {
+        const bool current = match - m_matches.begin() == m_currentMatch;
+        add(match->columnsIn(line, columns), blended(current ? currentMatchShare : matchShare));
+    }
+    add(m_selection.columnsIn(line, columns), blended(selectionShare));
+    if (m_hoveredLink) add(m_hoveredLink->extent.columnsIn(line, columns), m_accent.rgb(), true);
+    return marks;
+}
+
+/// The accent over the background.
+QRgb TerminalView::blended(double share) const {
+    const auto channel = [share](int over, int under) {
+        return static_cast<int>(std::lround(over * share + under * (1 - share)));
+    };
+    const QColor& under = m_defaults.background;
+    return qRgb(channel(m_accent.red(), under.red()), channel(m_accent.green(), under.green()),
+                channel(m_accent.blue(), under.blue()));
+}
+
+void TerminalView::updateHighlights() {
+    const TerminalScreen* shown = screen();
+    if (shown == nullptr) return;
+    m_shownHighlights.resize(static_cast<std::size_t>(shown->rows()));
+    for (int row = 0; row < shown->rows(); ++row) {
+        std::vector<Highlight> marks = highlightsIn(row);
+        std::vector<Highlight>& before = m_shownHighlights[static_cast<std::size_t>(row)];
+        if (marks == before) continue;
+        before = std::move(marks);
+        update(m_glyphs->geometry().line(row, width()));
+    }
+}
+
+void TerminalView::showMatches(std::vector<TextMatch> matches, int current) {
+    m_matches = std::move(matches);
+    m_currentMatch = current;
+    const TerminalScreen* shown = screen();
+    if (shown != nullptr && current >= 0 && std::cmp_less(current, m_matches.size())) {
+        const LineNumber line = m_matches[static_cast<std::size_t>(current)].begin.line;
+        const LineNumber top = lineOfRow(0);
+        // In the middle, unless it is on the screen already.
+        if (line < top || line >= top + shown->rows()) {
+            const LineNumber wanted = endLine(*shown) - line - shown->rows() / 2 - 1;
+            setScrollOffset(static_cast<int>(std::clamp<LineNumber>(wanted, 0, shown->scrollbackCount())));
+        }
+    }
+    updateHighlights();
 }
 
 void TerminalView::updateCursor() {
@@ -242,7 +322,7 @@ void TerminalView::paintEvent(QPaintEvent* event) {
     LinePainter lines(painter, *m_glyphs, m_defaults, shown->extras(), shown->columns());
     for (int row = 0; row < shown->rows(); ++row) {
         if (damaged.intersects(m_glyphs->geometry().line(row, width())))
-            lines.paint(visibleLine(*shown, row), row);
+            lines.paint(visibleLine(*shown, row), row, highlightsIn(row));
     }
     painter.setClipping(false);
     if (const std::optional<QRect> cursor = drawnCursor()) {
@@ -319,12 +399,19 @@ void TerminalView::showEvent(QShowEvent*) {
 
 void TerminalView::focusInEvent(QFocusEvent*) {
     update();
+    reportFocus();
     Q_EMIT focusChanged();
 }
 
 void TerminalView::focusOutEvent(QFocusEvent*) {
     update();
+    reportFocus();
     Q_EMIT focusChanged();
+}
+
+void TerminalView::reportFocus() {
+    if (m_session && screen()->modes().focusReports)
+        m_session->sendBytes(hasFocus() ? QByteArray("\x1B[I") : QByteArray("\x1B[O"));
 }
 
 // --- Keys
@@ -367,7 +454,14 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
             focusNextPrevChild(false);
             return;
         case KeyMeaning::Find:
+            Q_EMIT findRequested();
             return;
+        case KeyMeaning::ZoomIn:
+            return setZoom(m_zoom + 1);
+        case KeyMeaning::ZoomOut:
+            return setZoom(m_zoom - 1);
+        case KeyMeaning::ZoomReset:
+            return setZoom(0);
         case KeyMeaning::Other:
             event->ignore();
             return;
@@ -375,13 +469,13 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
             break;
     }
     if (!m_session) return;
-    const bool application = m_session->screen().applicationCursor();
-    send(bytesOf(*event, application ? CursorKeys::Application : CursorKeys::Normal));
+    send(bytesOf(*event, m_session->screen().modes()));
 }
 
 void TerminalView::send(const QByteArray& bytes) {
     if (!m_session || bytes.isEmpty()) return;
     setScrollOffset(0);
+    clearSelection();
     m_session->sendBytes(bytes);
 }
 
@@ -417,32 +511,26 @@ QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const {
 
 void TerminalView::copy() {
     const TerminalScreen* shown = screen();
-    QGuiApplication::clipboard()->setText(shown != nullptr ? QString::fromStdString(shown->plainText())
-                                                           : QString());
+    QString text;
+    if (shown != nullptr)
+        text = m_selection.empty() ? QString::fromStdString(shown->plainText()) : m_selection.text(*shown);
+    QGuiApplication::clipboard()->setText(text);
 }
 
 void TerminalView::paste() {
-    const QString text = QGuiApplication::clipboard()->text();
+    pasteText(QGuiApplication::clipboard()->text());
+}
+
+void TerminalView::pasteText(const QString& text) {
     if (!m_session || text.isEmpty()) return;
     const auto brackets = m_session->screen().bracketedPaste() ? PasteBrackets::On : PasteBrackets::Off;
+    setScrollOffset(0);
     m_session->sendBytes(QByteArray::fromStdString(encodePaste(text.toStdString(), brackets)));
 }
 
-void TerminalView::wheelEvent(QWheelEvent* event) {
-    const TerminalScreen* shown = screen();
-    if (shown == nullptr || shown->scrollbackCount() == 0) return event->ignore();
-    event->accept();
-    // Pixels are to be trusted only when they belong to a gesture: X11 also puts raw driver units there.
-    const bool gesture = event->phase() != Qt::NoScrollPhase && !event->pixelDelta().isNull();
-    const double moved = gesture ? event->pixelDelta().y() : event->angleDelta().y() * dipPerNotch / notch;
-    if (moved * m_wheelRemainder < 0) m_wheelRemainder = 0;
-    m_wheelRemainder += moved;
-    const int lines = static_cast<int>(m_wheelRemainder / dipPerLine);
-    m_wheelRemainder -= lines * dipPerLine;
-    setScrollOffset(m_scrollOffset + lines);
-}
-
 void TerminalView::contextMenuEvent(QContextMenuEvent* event) {
+    // The press that asked for it went to the program.
+    if (event->reason() == QContextMenuEvent::Mouse && reportsMouse(event->modifiers())) return;
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(tr("Copy terminal output"), this, &TerminalView::copy);

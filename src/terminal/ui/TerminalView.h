@@ -1,8 +1,11 @@
 #pragma once
 
+#include "terminal/core/MouseEncoder.h"
 #include "terminal/core/TerminalModes.h"
 #include "terminal/ui/GlyphCache.h"
 #include "terminal/ui/LinePainter.h"
+#include "terminal/ui/TextSearch.h"
+#include "terminal/ui/TextSelection.h"
 
 #include <QColor>
 #include <QElapsedTimer>
@@ -14,9 +17,12 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QMenu;
+class QMouseEvent;
+class QUrl;
 
 namespace orvo {
 
@@ -50,8 +56,16 @@ public:
 
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
+    const TextSelection& selection() const { return m_selection; }
+    /// Marks these places and brings `current` into view; none forgets them.
+    void showMatches(std::vector<TextMatch> matches, int current);
+    /// Steps of text size beside the theme's, for this view alone.
+    int zoom() const { return m_zoom; }
+    void setZoom(int steps);
+
 public Q_SLOTS:
-    /// The whole text, history included, to the clipboard; an empty text without a session.
+    /// The selection, or without one the whole text with its history, to the clipboard; an empty text without
+    /// a session.
     void copy();
     /// The clipboard's text to the program, between brackets when it asked for them.
     void paste();
@@ -59,6 +73,12 @@ public Q_SLOTS:
 Q_SIGNALS:
     void scrollOffsetChanged();
     void focusChanged();
+    /// The person wants to find something in this terminal.
+    void findRequested();
+    /// The person has opened a link; the address is one of those that may be followed.
+    void linkOpened(const QUrl& address);
+    /// Files were dropped; whoever listens types their names, quoted for the shell.
+    void filesDropped(const QStringList& paths);
 
 protected:
     bool event(QEvent* event) override;
@@ -70,6 +90,13 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
@@ -94,7 +121,31 @@ private:
     void repaintAll();
     void follow(const TerminalScreen& screen);
     void send(const QByteArray& bytes);
+    void pasteText(const QString& text);
+    void reportFocus();
     void triggerMenuItem(int key) const;
+
+    // The mouse.
+    PointedCell cellAt(QPointF position) const;
+    bool reportsMouse(Qt::KeyboardModifiers modifiers) const;
+    /// False when the program does not want to be told.
+    bool reportMouse(MouseAction action, MouseButton button, Qt::KeyboardModifiers modifiers,
+                     QPointF position);
+    void selectFrom(QMouseEvent& event, TextSelection::Unit unit);
+    void selectTo(QPointF position);
+    void finishSelection();
+    void clearSelection();
+    void dropStaleSelection();
+    void scrollWhileSelecting();
+    void turnWheel(int lines, QWheelEvent& event);
+    void pointAt(QPointF position, Qt::KeyboardModifiers modifiers);
+    void setHoveredLink(std::optional<CellLink> link);
+
+    std::vector<Highlight> highlightsIn(int row) const;
+    /// Asks for a repaint of the rows whose highlights differ from what is shown.
+    void updateHighlights();
+    LineNumber lineOfRow(int row) const;
+    QRgb blended(double share) const;
 
     void paintCursor(QPainter& painter, const LinePainter& lines) const;
     void paintPreedit(QPainter& painter) const;
@@ -112,6 +163,22 @@ private:
     /// Wheel movement, in dip, that has not made a whole line yet.
     double m_wheelRemainder = 0;
     QString m_preedit;
+    int m_zoom = 0;
+
+    TextSelection m_selection;
+    bool m_selecting = false;
+    /// Where the pointer was last while it selects.
+    QPointF m_pointer;
+    QTimer m_selectionScroll;
+    QElapsedTimer m_sinceDoubleClick;
+    QPoint m_doubleClickPlace;
+    std::vector<TextMatch> m_matches;
+    int m_currentMatch = -1;
+    std::optional<CellLink> m_hoveredLink;
+    /// The button that the program was told of and not of its release.
+    std::optional<MouseButton> m_reportedButton;
+    std::pair<int, int> m_reportedCell{-1, -1};
+    std::vector<std::vector<Highlight>> m_shownHighlights;
 
     // What the last requested repaint shows: a line's stamp for each row, and the cursor's place.
     std::vector<std::uint64_t> m_shownStamps;

@@ -7,14 +7,6 @@
 namespace orvo {
 namespace {
 
-KeyModifiers modifiersOf(const QKeyEvent& event) {
-    int bits = KeyModifiers::None;
-    if (event.modifiers().testFlag(Qt::ShiftModifier)) bits |= KeyModifiers::Shift;
-    if (event.modifiers().testFlag(Qt::AltModifier)) bits |= KeyModifiers::Alt;
-    if (event.modifiers().testFlag(Qt::ControlModifier)) bits |= KeyModifiers::Control;
-    return {static_cast<std::uint8_t>(bits)};
-}
-
 std::optional<TerminalKey> terminalKeyOf(int key) {
     if (key >= Qt::Key_F1 && key <= Qt::Key_F12) {
         return static_cast<TerminalKey>(static_cast<int>(TerminalKey::F1) + key - Qt::Key_F1);
@@ -76,6 +68,14 @@ std::optional<char> controlCharacterOf(const QKeyEvent& event) {
 
 }  // namespace
 
+KeyModifiers modifiersOf(Qt::KeyboardModifiers modifiers) {
+    int bits = KeyModifiers::None;
+    if (modifiers.testFlag(Qt::ShiftModifier)) bits |= KeyModifiers::Shift;
+    if (modifiers.testFlag(Qt::AltModifier)) bits |= KeyModifiers::Alt;
+    if (modifiers.testFlag(Qt::ControlModifier)) bits |= KeyModifiers::Control;
+    return {static_cast<std::uint8_t>(bits)};
+}
+
 KeyMeaning meaningOf(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers =
         event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
@@ -85,6 +85,14 @@ KeyMeaning meaningOf(const QKeyEvent& event) {
         const bool back = key == Qt::Key_Backtab || modifiers.testFlag(Qt::ShiftModifier);
         return back ? KeyMeaning::PreviousWidget : KeyMeaning::NextWidget;
     }
+    // Control makes no control character of these, so no program misses them.
+    if (modifiers == Qt::ControlModifier) {
+        if (key == Qt::Key_Plus || key == Qt::Key_Equal) return KeyMeaning::ZoomIn;
+        if (key == Qt::Key_Minus) return KeyMeaning::ZoomOut;
+        if (key == Qt::Key_0) return KeyMeaning::ZoomReset;
+    }
+    if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && key == Qt::Key_Plus)
+        return KeyMeaning::ZoomIn;
     if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) {
         if (key == Qt::Key_C || key == Qt::Key_A) return KeyMeaning::Copy;
         if (key == Qt::Key_V) return KeyMeaning::Paste;
@@ -97,10 +105,13 @@ KeyMeaning meaningOf(const QKeyEvent& event) {
     return control ? KeyMeaning::Program : KeyMeaning::Other;
 }
 
-QByteArray bytesOf(const QKeyEvent& event, CursorKeys mode) {
-    const KeyModifiers modifiers = modifiersOf(event);
+QByteArray bytesOf(const QKeyEvent& event, const TerminalModes& modes) {
+    const KeyModifiers modifiers = modifiersOf(event.modifiers());
     if (const auto key = terminalKeyOf(event.key())) {
-        return QByteArray::fromStdString(encodeKey(*key, modifiers, mode));
+        const CursorKeys cursor = modes.applicationCursor ? CursorKeys::Application : CursorKeys::Normal;
+        const bool application = modes.applicationKeypad && event.modifiers().testFlag(Qt::KeypadModifier);
+        return QByteArray::fromStdString(
+            encodeKeypadKey(*key, modifiers, cursor, application ? Keypad::Application : Keypad::Normal));
     }
     if (modifiers.control()) {
         if (const auto byte = controlCharacterOf(event)) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "terminal/core/KeyEncoder.h"
+#include "terminal/core/TerminalModes.h"
 
 #include <QByteArray>
+#include <Qt>
 
 class QKeyEvent;
 
@@ -20,6 +22,9 @@ enum class KeyMeaning {
     Find,
     NextWidget,
     PreviousWidget,
+    ZoomIn,
+    ZoomOut,
+    ZoomReset,
     /// The desktop's or nobody's: modifiers alone, keys held with the Super key.
     Other,
 };
@@ -27,7 +32,9 @@ enum class KeyMeaning {
 KeyMeaning meaningOf(const QKeyEvent& event);
 
 /// The bytes that a key press sends to the program; empty when it has none.
-QByteArray bytesOf(const QKeyEvent& event, CursorKeys mode);
+QByteArray bytesOf(const QKeyEvent& event, const TerminalModes& modes);
+
+KeyModifiers modifiersOf(Qt::KeyboardModifiers modifiers);
 
 /// The key of the menu item that a `MenuItem` press stands for, for example Control+N; as Qt's key
 /// combination.

@@ -73,6 +73,22 @@ TEST(KeyEncoder, KeysSendTheFormOfTheirTerminfoEntry) {
     }
 }
 
+TEST(KeyEncoder, TheKeypadHasSequencesOfItsOwnInApplicationMode) {
+    const auto sent = [](TerminalKey key, KeyModifiers modifiers, Keypad keypad) {
+        return encodeKeypadKey(key, modifiers, CursorKeys::Normal, keypad);
+    };
+    EXPECT_EQ(sent(TerminalKey::Home, plain, Keypad::Application), "\x1bOw");
+    EXPECT_EQ(sent(TerminalKey::PageUp, plain, Keypad::Application), "\x1bOy");
+    EXPECT_EQ(sent(TerminalKey::Begin, plain, Keypad::Application), "\x1bOu");
+    EXPECT_EQ(sent(TerminalKey::End, plain, Keypad::Application), "\x1bOq");
+    EXPECT_EQ(sent(TerminalKey::PageDown, plain, Keypad::Application), "\x1bOs");
+    EXPECT_EQ(sent(TerminalKey::Return, plain, Keypad::Application), "\x1bOM");
+    EXPECT_EQ(sent(TerminalKey::Up, plain, Keypad::Application), "\x1b[A");
+    EXPECT_EQ(sent(TerminalKey::Home, control, Keypad::Application), "\x1b[1;5H");
+    EXPECT_EQ(sent(TerminalKey::Home, plain, Keypad::Normal), "\x1b[H");
+    EXPECT_EQ(sent(TerminalKey::Return, plain, Keypad::Normal), "\r");
+}
+
 TEST(KeyEncoder, AltPutsEscapeInFrontOfText) {
     EXPECT_EQ(encodeText("b", alt),
               "\x1b"
