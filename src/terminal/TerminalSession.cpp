@@ -46,6 +46,11 @@ TerminalSession::TerminalSession(QString providerID, QString title, QString comm
     m_screen.onResponse = [this](std::string_view reply) {
         answer(reply);
     };
+    m_screen.onRequest = [this](const TerminalRequest& request) {
+        take(request);
+    };
+    m_nextMark.setSingleShot(true);
+    connect(&m_nextMark, &QTimer::timeout, this, &TerminalSession::refreshMark);
 }
 
 TerminalSession::~TerminalSession() {
@@ -130,16 +135,22 @@ void TerminalSession::start() {
     const bool failedBefore = m_exitCode.has_value();
     m_exitCode.reset();
     m_running = true;
+    m_attention.started(std::chrono::steady_clock::now());
+    const QPointer<TerminalSession> alive(this);
     if (failedBefore) Q_EMIT exitCodeChanged();
-    Q_EMIT runningChanged();
+    if (alive) Q_EMIT runningChanged();
+    if (alive) refreshMark();
 }
 
 void TerminalSession::failStart(const QString& reason) {
     m_screen.feedText((tr("Could not start the terminal: ") + reason).toStdString());
     const bool first = assign(m_exitCode, -1);
     ++m_revision;
+    m_attention.ended(std::chrono::steady_clock::now());
 
     const QPointer<TerminalSession> alive(this);
+    refreshMark();
+    if (!alive) return;
     if (first) Q_EMIT exitCodeChanged();
     if (alive) Q_EMIT revisionChanged();
     // A copy, because the callback may release the session and itself with it.
@@ -179,11 +190,15 @@ void TerminalSession::feedSlice() {
     m_transport->sendReplies(std::exchange(m_replies, {}));
     const QPointer<TerminalSession> alive(this);
     if (assign(m_programTitle, QString::fromStdString(m_screen.programTitle()))) Q_EMIT programTitleChanged();
+    if (alive && std::exchange(m_clipboardWritten, false)) Q_EMIT clipboardTextChanged();
     if (!alive || m_fed < batch.size()) return;
 
     m_transport->consumed(batch.size());
     m_batches.pop_front();
     m_fed = 0;
+    m_attention.outputArrived(std::chrono::steady_clock::now());
+    refreshMark();
+    if (!alive) return;
     ++m_revision;
     Q_EMIT revisionChanged();
 }
@@ -196,6 +211,72 @@ void TerminalSession::answer(std::string_view reply) {
     if (waiting + size <= PTYTransport::maximumUnreadReplies) m_replies.append(QByteArrayView(reply));
 }
 
+void TerminalSession::take(const TerminalRequest& request) {
+    const auto text = [&request] {
+        return QByteArrayView(request.text.data(), static_cast<qsizetype>(request.text.size()));
+    };
+    switch (request.kind) {
+        case TerminalRequest::Kind::Bell:
+            m_attention.asked(Attention::Cause::Bell, {}, std::chrono::steady_clock::now());
+            break;
+        case TerminalRequest::Kind::Notify:
+            m_attention.asked(Attention::Cause::Message, QString::fromUtf8(text()),
+                              std::chrono::steady_clock::now());
+            break;
+        case TerminalRequest::Kind::SetClipboard:
+            if (m_clipboardAccess == ClipboardAccess::Refused) break;
+            if (const auto decoded = QByteArray::fromBase64Encoding(
+                    text().toByteArray(), QByteArray::AbortOnBase64DecodingErrors)) {
+                m_clipboardText = QString::fromUtf8(decoded.decoded);
+                m_clipboardWritten = true;
+            }
+            break;
+    }
+}
+
+void TerminalSession::refreshMark() {
+    const auto now = std::chrono::steady_clock::now();
+    if (const auto next = m_attention.nextChange(now)) {
+        // Looked at again at the end of the time, not at every batch.
+        if (!m_nextMark.isActive())
+            m_nextMark.start(std::chrono::ceil<std::chrono::milliseconds>(*next - now));
+    } else {
+        m_nextMark.stop();
+    }
+    if (assign(m_mark, m_attention.mark(now))) Q_EMIT markChanged();
+}
+
+Attention::Mark TerminalSession::mark() const {
+    return m_mark;
+}
+
+QString TerminalSession::evidence() const {
+    return m_attention.evidence(std::chrono::steady_clock::now());
+}
+
+void TerminalSession::setInFront(bool inFront) {
+    m_attention.setInFront(inFront);
+    refreshMark();
+}
+
+TerminalSession::ClipboardAccess TerminalSession::clipboardAccess() const {
+    return m_clipboardAccess;
+}
+
+const std::optional<QString>& TerminalSession::clipboardText() const {
+    return m_clipboardText;
+}
+
+void TerminalSession::setClipboardAccess(ClipboardAccess access) {
+    if (!assign(m_clipboardAccess, access)) return;
+    if (access == ClipboardAccess::Refused) m_clipboardText.reset();
+    Q_EMIT clipboardTextChanged();
+}
+
+std::optional<QString> TerminalSession::takeClipboardText() {
+    return std::exchange(m_clipboardText, std::nullopt);
+}
+
 void TerminalSession::finish(int status) {
     // Its thread and descriptors go now; the session itself may stay listed for hours.
     m_transport->close();
@@ -203,8 +284,11 @@ void TerminalSession::finish(int status) {
     m_child.reset();
     m_running = false;
     m_exitCode = status;
+    m_attention.ended(std::chrono::steady_clock::now());
 
     const QPointer<TerminalSession> alive(this);
+    refreshMark();
+    if (!alive) return;
     Q_EMIT runningChanged();
     if (alive) Q_EMIT exitCodeChanged();
     if (const auto callback = alive ? onFinish : nullptr) callback(*this);

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "platform/FilePath.h"
+#include "terminal/Attention.h"
 #include "terminal/core/TerminalScreen.h"
 
 #include <QByteArray>
 #include <QDateTime>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QUuid>
 
 #include <chrono>
@@ -61,6 +63,20 @@ public:
     void resize(int rows, int columns);
     /// What the person sees; programs may ask for it, or want to be told of a change.
     void setColors(const TerminalColors& colors);
+    /// What the session needs of the person, and why.
+    Attention::Mark mark() const;
+    QString evidence() const;
+    /// Whether the person looks at the session; told by whoever shows it.
+    void setInFront(bool inFront);
+
+    /// Programs may write the clipboard only when the person has said so for this session.
+    enum class ClipboardAccess { Unknown, Allowed, Refused };
+    ClipboardAccess clipboardAccess() const;
+    void setClipboardAccess(ClipboardAccess access);
+    /// What the program wants to put on the clipboard, until it is taken or refused.
+    const std::optional<QString>& clipboardText() const;
+    std::optional<QString> takeClipboardText();
+
     /// Asks the child to end, and kills what is left of its process group after one second. Does not wait.
     void stop();
 
@@ -72,6 +88,9 @@ Q_SIGNALS:
     void runningChanged();
     void exitCodeChanged();
     void programTitleChanged();
+    void markChanged();
+    /// The access has changed, or the text.
+    void clipboardTextChanged();
 
 private:
     void failStart(const QString& reason);
@@ -80,6 +99,9 @@ private:
     void feedForOneTurn();
     void feedSlice();
     void answer(std::string_view reply);
+    void take(const TerminalRequest& request);
+    /// Tells of a new mark, and comes back when it will change by itself.
+    void refreshMark();
     void finish(int status);
 
     const QUuid m_id = QUuid::createUuid();
@@ -90,6 +112,12 @@ private:
     const QDateTime m_started = QDateTime::currentDateTimeUtc();
     TerminalScreen m_screen;
     QString m_programTitle;
+    Attention m_attention;
+    Attention::Mark m_mark = Attention::Mark::Quiet;
+    QTimer m_nextMark;
+    ClipboardAccess m_clipboardAccess = ClipboardAccess::Unknown;
+    std::optional<QString> m_clipboardText;
+    bool m_clipboardWritten = false;
     int m_revision = 0;
     bool m_running = false;
     std::optional<int> m_exitCode;

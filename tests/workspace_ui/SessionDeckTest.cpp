@@ -144,6 +144,16 @@ TEST_F(SessionDeckTest, aNewTerminalTakesTheKeysUnlessATaskIsBeingWritten) {
     EXPECT_EQ(QApplication::focusWidget(), &pane(2)->view());
 }
 
+TEST_F(SessionDeckTest, aTabShowsThatItsSessionWantsThePerson) {
+    start(2);
+    const auto session = workspace().sessions().at(0);
+    ASSERT_TRUE(test::waitFor([&] { return pane(1)->isActive(); }));
+    session->send(QStringLiteral("printf '\\a'\r"));
+    ASSERT_TRUE(test::waitFor([&] { return tabs().at(0)->mark() == SessionTab::Mark::Wanted; }));
+    EXPECT_TRUE(tabs().at(0)->accessibleDescription().startsWith(QStringLiteral("Wants you: bell ")));
+    EXPECT_NE(tabs().at(1)->mark(), SessionTab::Mark::Wanted);
+}
+
 TEST_F(SessionDeckTest, twelveSessionsInTheSmallestWindowScroll) {
     screen(QSize(1180, 712));
     start(12);

@@ -20,6 +20,7 @@ constexpr int gap = 8;
 constexpr int widest = 220;
 constexpr int narrowest = 96;
 constexpr int tabHeight = 32;
+constexpr double markRadius = 3.5;
 
 }  // namespace
 
@@ -34,6 +35,29 @@ void SessionTab::setCurrent(bool current) {
     if (current == m_current) return;
     m_current = current;
     update();
+}
+
+void SessionTab::setMark(Mark mark, const QString& meaning) {
+    setAccessibleDescription(meaning);
+    if (mark == m_mark) return;
+    m_mark = mark;
+    update();
+}
+
+void SessionTab::paintMark(QPainter& painter) const {
+    if (m_mark == Mark::None) return;
+    const Roles& roles = rolesOf(this);
+    const QColor color = toQColor(m_mark == Mark::Over ? roles.text : roles.accent);
+    const QPointF centre(padding + glyph, height() / 2.0 - glyph / 2.0 + 2);
+    painter.setRenderHint(QPainter::Antialiasing);
+    // Cut out of the symbol, so that both can be told apart.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(toQColor(roles.bg));
+    painter.drawEllipse(centre, markRadius + 1.5, markRadius + 1.5);
+    painter.setPen(m_mark == Mark::Busy ? QPen(color, 1.5) : QPen(Qt::NoPen));
+    painter.setBrush(m_mark == Mark::Busy ? QBrush(Qt::NoBrush) : QBrush(color));
+    const double radius = m_mark == Mark::Busy ? markRadius - 0.75 : markRadius;
+    painter.drawEllipse(centre, radius, radius);
 }
 
 QSize SessionTab::sizeHint() const {
@@ -72,6 +96,7 @@ void SessionTab::paintEvent(QPaintEvent*) {
     }
     if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
     paintSymbol(painter, QRectF(padding, 0, glyph, height()), m_icon, toQColor(m_color), glyph);
+    paintMark(painter);
     painter.setPen(m_current ? toQColor(roles.text)
                              : blended(toQColor(roles.muted), toQColor(roles.text), hover()));
     const QRect text = textRect();

@@ -15,6 +15,12 @@ public:
 
     bool isCurrent() const { return m_current; }
     void setCurrent(bool current);
+    /// A dot at the symbol: nothing, a ring while something goes on, filled when the person is wanted, in the
+    /// text's colour when something is over.
+    enum class Mark { None, Busy, Wanted, Over };
+    Mark mark() const { return m_mark; }
+    /// `meaning` is the accessible description.
+    void setMark(Mark mark, const QString& meaning);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -25,10 +31,12 @@ protected:
 
 private:
     QRect textRect() const;
+    void paintMark(QPainter& painter) const;
 
     QString m_icon;
     Rgb m_color;
     bool m_current = false;
+    Mark m_mark = Mark::None;
 };
 
 }  // namespace orvo

@@ -9,9 +9,13 @@
 #include "appearance/controls/symbols.h"
 #include "platform/observe.h"
 #include "terminal/TerminalSession.h"
+#include "terminal/ui/ConsentBar.h"
+#include "terminal/ui/FindBar.h"
 #include "terminal/ui/TerminalView.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QMouseEvent>
@@ -19,6 +23,7 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -88,6 +93,20 @@ TerminalPane::TerminalPane(TerminalSession& session, Theme& theme, QWidget* pare
 
     m_view->setSession(&session);
     setFocusProxy(m_view);
+    m_find = new FindBar(*m_view, this);
+    m_consent = new ConsentBar(this);
+    connect(m_view, &TerminalView::findRequested, m_find, &FindBar::open);
+    connect(m_view, &TerminalView::linkOpened, this, &TerminalPane::linkOpened);
+    connect(m_view, &TerminalView::filesDropped, this, &TerminalPane::filesDropped);
+    const auto answer = [this](TerminalSession::ClipboardAccess access) {
+        if (m_session) m_session->setClipboardAccess(access);
+        m_view->setFocus(Qt::OtherFocusReason);
+    };
+    connect(m_consent, &ConsentBar::allowed, this,
+            [answer] { answer(TerminalSession::ClipboardAccess::Allowed); });
+    connect(m_consent, &ConsentBar::refused, this,
+            [answer] { answer(TerminalSession::ClipboardAccess::Refused); });
+    observe(session, {&TerminalSession::clipboardTextChanged}, this, [this] { refreshConsent(); });
     connect(m_view, &TerminalView::focusChanged, this, [this] {
         update();
         if (m_view->hasFocus()) Q_EMIT activated();
@@ -120,7 +139,8 @@ QWidget* TerminalPane::makeHeader() {
 QMenu* TerminalPane::makeMenu() {
     auto* menu = new QMenu(this);
     menu->addAction(tr("Export output"), this, &TerminalPane::exportRequested);
-    menu->addAction(tr("Copy output"), m_view, &TerminalView::copy);
+    // All of it, whatever is selected.
+    menu->addAction(tr("Copy output"), m_view, &TerminalView::copyAll);
     m_stop = menu->addAction(tr("Stop session"), this, [this] {
         if (m_session) m_session->stop();
     });
@@ -135,6 +155,7 @@ void TerminalPane::setConnectorName(const QString& name) {
 
 void TerminalPane::setActive(bool active) {
     if (!assign(m_active, active)) return;
+    refreshInFront();
     update();
 }
 
@@ -148,6 +169,41 @@ void TerminalPane::refreshState() {
         m_state->setStatus(tr("Exit %1").arg(exitCode), exitCode == 0 ? Ink::Muted : Ink::Danger);
     }
     m_stop->setVisible(running);
+}
+
+/// What the program wrote goes to the clipboard as soon as the person lets it.
+void TerminalPane::refreshConsent() {
+    const bool asks = m_session && m_session->clipboardText().has_value() &&
+                      m_session->clipboardAccess() == TerminalSession::ClipboardAccess::Unknown;
+    m_consent->setVisible(asks);
+    if (asks) m_consent->raise();
+    if (!m_session || m_session->clipboardAccess() != TerminalSession::ClipboardAccess::Allowed) return;
+    if (const auto text = m_session->takeClipboardText()) QGuiApplication::clipboard()->setText(*text);
+}
+
+/// The active pane of an active window is what the person looks at.
+void TerminalPane::refreshInFront() {
+    if (m_session) m_session->setInFront(m_active && isVisible() && window()->isActiveWindow());
+}
+
+void TerminalPane::showEvent(QShowEvent*) {
+    refreshInFront();
+}
+
+void TerminalPane::hideEvent(QHideEvent*) {
+    refreshInFront();
+}
+
+void TerminalPane::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange) refreshInFront();
+    QWidget::changeEvent(event);
+}
+
+void TerminalPane::placeBars() {
+    constexpr int inset = 8;
+    const int top = headerHeight + frameWidth + inset;
+    m_find->move(std::max(inset, width() - m_find->width() - inset - frameWidth), top);
+    m_consent->setGeometry(inset, top, std::max(0, width() - 2 * inset), m_consent->height());
 }
 
 QColor TerminalPane::frameColor() const {
@@ -169,6 +225,7 @@ void TerminalPane::paintEvent(QPaintEvent*) {
 void TerminalPane::resizeEvent(QResizeEvent*) {
     m_leftCorner->move(0, height() - radius);
     m_rightCorner->move(width() - radius, height() - radius);
+    placeBars();
 }
 
 void TerminalPane::mousePressEvent(QMouseEvent* event) {

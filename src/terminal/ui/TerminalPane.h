@@ -5,10 +5,13 @@
 
 class QAction;
 class QMenu;
+class QUrl;
 
 namespace orvo {
 
+class ConsentBar;
 class ElidedLabel;
+class FindBar;
 class OrvoButton;
 class StatusPill;
 class TerminalSession;
@@ -26,6 +29,7 @@ public:
 
     TerminalSession* session() const;
     TerminalView& view() const { return *m_view; }
+    FindBar& findBar() const { return *m_find; }
 
     void setConnectorName(const QString& name);
     /// Whether this is the workspace's active session, which the frame tells.
@@ -35,6 +39,9 @@ public:
 Q_SIGNALS:
     /// The person has put the focus into this pane.
     void activated();
+    void linkOpened(const QUrl& address);
+    /// To be typed into the session, quoted for the shell.
+    void filesDropped(const QStringList& paths);
     void exportRequested();
     void closeRequested();
 
@@ -42,11 +49,17 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     QWidget* makeHeader();
     QMenu* makeMenu();
     void refreshState();
+    void refreshConsent();
+    void refreshInFront();
+    void placeBars();
     QColor frameColor() const;
 
     QPointer<TerminalSession> m_session;
@@ -58,6 +71,9 @@ private:
     /// The two that round the terminal's lower corners.
     QWidget* m_leftCorner;
     QWidget* m_rightCorner;
+    // Over the terminal, each while it is needed.
+    FindBar* m_find = nullptr;
+    ConsentBar* m_consent = nullptr;
     bool m_active = false;
 };
 

@@ -236,6 +236,9 @@ std::vector<Highlight> TerminalView::highlightsIn(int row) const {
     std::vector<Highlight> marks;
     const int columns = m_session->screen().columns();
     const LineNumber line = lineOfRow(row);
+    const auto marked = [this](double share) {
+        return blended(m_defaults.background, m_accent, share).rgb();
+    };
     const auto add = [&marks](const std::optional<ColumnRange>& range, QRgb fill, bool underlined = false) {
         if (range) marks.push_back({range->first, range->end, fill, underlined});
     };
@@ -243,21 +246,11 @@ std::vector<Highlight> TerminalView::highlightsIn(int row) const {
         std::ranges::lower_bound(m_matches, line, {}, [](const TextMatch& each) { return each.end.line; });
     for (; match != m_matches.end() && match->begin.line <= line; ++match) {
         const bool current = match - m_matches.begin() == m_currentMatch;
-        add(match->columnsIn(line, columns), blended(current ? currentMatchShare : matchShare));
+        add(match->columnsIn(line, columns), marked(current ? currentMatchShare : matchShare));
     }
-    add(m_selection.columnsIn(line, columns), blended(selectionShare));
+    add(m_selection.columnsIn(line, columns), marked(selectionShare));
     if (m_hoveredLink) add(m_hoveredLink->extent.columnsIn(line, columns), m_accent.rgb(), true);
     return marks;
-}
-
-/// The accent over the background.
-QRgb TerminalView::blended(double share) const {
-    const auto channel = [share](int over, int under) {
-        return static_cast<int>(std::lround(over * share + under * (1 - share)));
-    };
-    const QColor& under = m_defaults.background;
-    return qRgb(channel(m_accent.red(), under.red()), channel(m_accent.green(), under.green()),
-                channel(m_accent.blue(), under.blue()));
 }
 
 void TerminalView::updateHighlights() {
@@ -273,9 +266,14 @@ void TerminalView::updateHighlights() {
     }
 }
 
-void TerminalView::showMatches(std::vector<TextMatch> matches, int current) {
+void TerminalView::markMatches(std::vector<TextMatch> matches, int current) {
     m_matches = std::move(matches);
     m_currentMatch = current;
+    updateHighlights();
+}
+
+void TerminalView::showMatches(std::vector<TextMatch> matches, int current) {
+    markMatches(std::move(matches), current);
     const TerminalScreen* shown = screen();
     if (shown != nullptr && current >= 0 && std::cmp_less(current, m_matches.size())) {
         const LineNumber line = m_matches[static_cast<std::size_t>(current)].begin.line;
@@ -286,7 +284,6 @@ void TerminalView::showMatches(std::vector<TextMatch> matches, int current) {
             setScrollOffset(static_cast<int>(std::clamp<LineNumber>(wanted, 0, shown->scrollbackCount())));
         }
     }
-    updateHighlights();
 }
 
 void TerminalView::updateCursor() {
@@ -511,10 +508,14 @@ QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const {
 
 void TerminalView::copy() {
     const TerminalScreen* shown = screen();
-    QString text;
-    if (shown != nullptr)
-        text = m_selection.empty() ? QString::fromStdString(shown->plainText()) : m_selection.text(*shown);
-    QGuiApplication::clipboard()->setText(text);
+    if (shown == nullptr || m_selection.empty()) return copyAll();
+    QGuiApplication::clipboard()->setText(m_selection.text(*shown));
+}
+
+void TerminalView::copyAll() {
+    const TerminalScreen* shown = screen();
+    QGuiApplication::clipboard()->setText(shown != nullptr ? QString::fromStdString(shown->plainText())
+                                                           : QString());
 }
 
 void TerminalView::paste() {

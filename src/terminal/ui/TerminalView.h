@@ -57,7 +57,9 @@ public:
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
     const TextSelection& selection() const { return m_selection; }
-    /// Marks these places and brings `current` into view; none forgets them.
+    /// Marks these places, `current` (-1 for none) more than the others; none forgets them.
+    void markMatches(std::vector<TextMatch> matches, int current);
+    /// Marks them, and brings `current` into view.
     void showMatches(std::vector<TextMatch> matches, int current);
     /// Steps of text size beside the theme's, for this view alone.
     int zoom() const { return m_zoom; }
@@ -67,6 +69,7 @@ public Q_SLOTS:
     /// The selection, or without one the whole text with its history, to the clipboard; an empty text without
     /// a session.
     void copy();
+    void copyAll();
     /// The clipboard's text to the program, between brackets when it asked for them.
     void paste();
 
@@ -145,7 +148,6 @@ private:
     /// Asks for a repaint of the rows whose highlights differ from what is shown.
     void updateHighlights();
     LineNumber lineOfRow(int row) const;
-    QRgb blended(double share) const;
 
     void paintCursor(QPainter& painter, const LinePainter& lines) const;
     void paintPreedit(QPainter& painter) const;

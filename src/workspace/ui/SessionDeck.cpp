@@ -4,6 +4,8 @@
 #include "appearance/controls/ScrollPage.h"
 #include "appearance/controls/SegmentedControl.h"
 #include "appearance/controls/layouts.h"
+#include "assistants/Provider.h"
+#include "platform/Launcher.h"
 #include "platform/observe.h"
 #include "terminal/ui/TerminalPane.h"
 #include "workspace/Workspace.h"
@@ -24,8 +26,8 @@ constexpr int gap = 10;
 
 }  // namespace
 
-SessionDeck::SessionDeck(Workspace& workspace, Theme& theme, QWidget* parent)
-    : QWidget(parent), m_workspace(workspace), m_theme(theme) {
+SessionDeck::SessionDeck(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent)
+    : QWidget(parent), m_workspace(workspace), m_theme(theme), m_launcher(launcher) {
     auto* const column = columnIn(this, gap, QMargins(ScrollPage::margin, 12, ScrollPage::margin, 4));
     column->addWidget(makeHeader());
     m_tabs = new SessionTabs(workspace);
@@ -87,6 +89,16 @@ TerminalPane* SessionDeck::makePane(TerminalSession& session) {
     });
     connect(pane, &TerminalPane::closeRequested, this, [this, id] {
         if (const auto listed = m_workspace.session(id)) m_workspace.closeSession(listed);
+    });
+    connect(pane, &TerminalPane::linkOpened, this, [this](const QUrl& address) {
+        if (const auto opened = m_launcher.openAddress(address); !opened)
+            m_workspace.notify(opened.error().message);
+    });
+    connect(pane, &TerminalPane::filesDropped, this, [this, id](const QStringList& paths) {
+        const auto listed = m_workspace.session(id);
+        for (const QString& path : paths) {
+            if (listed) listed->send(shellQuote(path) + u' ');
+        }
     });
     return pane;
 }

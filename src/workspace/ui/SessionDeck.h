@@ -10,6 +10,7 @@ namespace orvo {
 
 class CountBadge;
 class DeckGrid;
+class Launcher;
 class SegmentedControl;
 class SessionTabs;
 class TerminalPane;
@@ -23,7 +24,7 @@ class SessionDeck : public QWidget {
     Q_OBJECT
 
 public:
-    SessionDeck(Workspace& workspace, Theme& theme, QWidget* parent = nullptr);
+    SessionDeck(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent = nullptr);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -41,6 +42,7 @@ private:
 
     Workspace& m_workspace;
     Theme& m_theme;
+    Launcher& m_launcher;
     CountBadge* m_count = nullptr;
     SegmentedControl* m_layout = nullptr;
     QMenu* m_newSession = nullptr;

@@ -1,5 +1,6 @@
 #include "workspace/ui/SessionTabs.h"
 
+#include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/SessionTab.h"
 #include "appearance/controls/layouts.h"
 #include "platform/observe.h"
@@ -13,6 +14,21 @@ namespace {
 
 constexpr int rowHeight = 32;
 constexpr int gap = 4;
+
+SessionTab::Mark markOf(Attention::Mark mark) {
+    switch (mark) {
+        case Attention::Mark::Working:
+            return SessionTab::Mark::Busy;
+        case Attention::Mark::WantsYou:
+            return SessionTab::Mark::Wanted;
+        case Attention::Mark::DoneUnseen:
+            return SessionTab::Mark::Over;
+        case Attention::Mark::Quiet:
+        case Attention::Mark::Seen:
+            break;
+    }
+    return SessionTab::Mark::None;
+}
 
 }  // namespace
 
@@ -61,10 +77,38 @@ void SessionTabs::refreshTabs() {
         auto* const tab =
             new SessionTab(provider.icon, colorFromHex(provider.colorHex.toStdString()), session->title());
         connect(tab, &SessionTab::clicked, this, [this, id = session->id()] { Q_EMIT chosen(id); });
+        observe(*session, {&TerminalSession::markChanged, &TerminalSession::programTitleChanged}, tab,
+                [this, tab, id = session->id()] { refreshMark(*tab, id); });
         m_row->insertWidget(m_row->count() - 1, tab);
         m_tabs.insert(session->id(), tab);
     }
     refreshActive();
+}
+
+void SessionTabs::refreshMark(SessionTab& tab, const QUuid& id) const {
+    const auto session = m_workspace.session(id);
+    if (!session) return;
+    QString meaning;
+    switch (session->mark()) {
+        case Attention::Mark::Working:
+            meaning = tr("Working");
+            break;
+        case Attention::Mark::Quiet:
+            meaning = tr("Quiet");
+            break;
+        case Attention::Mark::WantsYou:
+            meaning = tr("Wants you: %1").arg(session->evidence());
+            break;
+        case Attention::Mark::DoneUnseen:
+            meaning = tr("Done, not seen yet");
+            break;
+        case Attention::Mark::Seen:
+            meaning = tr("Done");
+            break;
+    }
+    tab.setMark(markOf(session->mark()), meaning);
+    const QString& program = session->programTitle();
+    tab.setToolTip(program.isEmpty() ? QString() : plainToolTip(session->title() + u'\n' + program));
 }
 
 void SessionTabs::refreshActive() {

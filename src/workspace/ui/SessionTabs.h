@@ -31,6 +31,7 @@ private:
     void rebuild();
     void refreshTabs();
     void refreshActive();
+    void refreshMark(SessionTab& tab, const QUuid& id) const;
 
     Workspace& m_workspace;
     QHBoxLayout* m_row;

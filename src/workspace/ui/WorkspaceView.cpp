@@ -22,7 +22,7 @@ constexpr int belowComposer = 20;
 WorkspaceView::WorkspaceView(Workspace& workspace, Theme& theme, Launcher& launcher, QWidget* parent)
     : QWidget(parent), m_workspace(workspace), m_centre(new QStackedWidget) {
     m_welcome = scrolling(new WelcomeView(workspace, launcher));
-    m_deck = new SessionDeck(workspace, theme);
+    m_deck = new SessionDeck(workspace, theme, launcher);
     m_centre->addWidget(m_welcome);
     m_centre->addWidget(m_deck);
 
