@@ -124,7 +124,9 @@ void SessionDeck::refreshPanes() {
     refreshNames();
     refreshActive();
     // After everybody has heard of the session, so that its page is in front by then.
-    if (added) QMetaObject::invokeMethod(this, [this] { focusNewTerminal(); }, Qt::QueuedConnection);
+    if (!added || !m_workspace.activeSessionID()) return;
+    QMetaObject::invokeMethod(
+        this, [this, id = *m_workspace.activeSessionID()] { focusNewTerminal(id); }, Qt::QueuedConnection);
 }
 
 void SessionDeck::refreshNames() {
@@ -159,18 +161,23 @@ void SessionDeck::focusTerminal(const QUuid& id) {
 
 void SessionDeck::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    if (!m_waiting) return;
     // Once the stack of pages has put the focus where it stood when this page was left.
-    if (m_focusIsDue) QMetaObject::invokeMethod(this, [this] { focusNewTerminal(); }, Qt::QueuedConnection);
+    const QUuid id = *m_waiting;
+    m_waiting.reset();
+    QMetaObject::invokeMethod(this, [this, id] { focusNewTerminal(id); }, Qt::QueuedConnection);
 }
 
-void SessionDeck::focusNewTerminal() {
+void SessionDeck::focusNewTerminal(const QUuid& id) {
     // Behind another page it would catch keys that are meant for that page; it gets them when it is shown.
-    m_focusIsDue = m_workspace.destination() != Destination::Workspace;
-    if (m_focusIsDue) return;
+    if (m_workspace.destination() != Destination::Workspace) {
+        m_waiting = id;
+        return;
+    }
     // Somebody who is writing goes on writing: a session that starts meanwhile must not catch the keys.
     const auto* const editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
     if (editor && !editor->document()->isEmpty()) return;
-    if (m_workspace.activeSessionID()) focusTerminal(*m_workspace.activeSessionID());
+    focusTerminal(id);
 }
 
 }  // namespace orvo

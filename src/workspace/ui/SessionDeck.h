@@ -4,6 +4,8 @@
 #include <QUuid>
 #include <QWidget>
 
+#include <optional>
+
 class QMenu;
 
 namespace orvo {
@@ -38,7 +40,7 @@ private:
     void refreshLayout();
     void refreshActive();
     void focusTerminal(const QUuid& id);
-    void focusNewTerminal();
+    void focusNewTerminal(const QUuid& id);
 
     Workspace& m_workspace;
     Theme& m_theme;
@@ -50,7 +52,7 @@ private:
     DeckGrid* m_grid = nullptr;
     QHash<QUuid, TerminalPane*> m_panes;
     /// A terminal that was started behind another page waits for the keyboard.
-    bool m_focusIsDue = false;
+    std::optional<QUuid> m_waiting;
 };
 
 }  // namespace orvo
