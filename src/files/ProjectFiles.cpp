@@ -1,9 +1,11 @@
 #include "files/ProjectFiles.h"
 
+#include "files/DiskWatch.h"
 #include "files/listEntries.h"
 #include "platform/Dialogs.h"
 #include "platform/observe.h"
 #include "platform/readFile.h"
+#include "platform/runInBackground.h"
 #include "platform/saveAtomically.h"
 
 #include <QStringDecoder>
@@ -25,10 +27,23 @@ std::optional<QString> decodedText(const QByteArray& bytes) {
     return text;
 }
 
+/// The file's text now; nothing when there is none that can be read.
+std::optional<QString> textOnDisk(const FilePath& file) {
+    const Result<QByteArray> content = readFile(file, maximumReadBack);
+    return content ? decodedText(*content) : std::nullopt;
+}
+
+ProjectFiles::OnDisk compared(const std::optional<QString>& onDisk, const QString& savedText) {
+    if (!onDisk) return ProjectFiles::OnDisk::Unreadable;
+    return *onDisk == savedText ? ProjectFiles::OnDisk::Same : ProjectFiles::OnDisk::Changed;
+}
+
 }  // namespace
 
 ProjectFiles::ProjectFiles(Dialogs& dialogs, std::function<void(const QString&)> notify, QObject* parent)
-    : QObject(parent), m_dialogs(dialogs), m_notify(std::move(notify)) {}
+    : QObject(parent), m_dialogs(dialogs), m_notify(std::move(notify)), m_watch(new DiskWatch(this)) {
+    connect(m_watch, &DiskWatch::changed, this, &ProjectFiles::lookAtDisk);
+}
 
 void ProjectFiles::setEditorText(const QString& text) {
     if (assign(m_editorText, text)) Q_EMIT editorTextChanged();
@@ -39,13 +54,61 @@ void ProjectFiles::setSearch(const QString& search) {
 }
 
 void ProjectFiles::setBrowsingFolder(const std::optional<FilePath>& folder) {
-    if (assign(m_browsingFolder, folder)) Q_EMIT browsingFolderChanged();
+    if (!assign(m_browsingFolder, folder)) return;
+    watchDisk();
+    Q_EMIT browsingFolderChanged();
+}
+
+void ProjectFiles::setOnDisk(OnDisk onDisk) {
+    if (assign(m_onDisk, onDisk)) Q_EMIT onDiskChanged();
+}
+
+void ProjectFiles::watchDisk() {
+    QList<FilePath> paths;
+    if (m_browsingFolder) paths.append(*m_browsingFolder);
+    // Its folder, too: most programs replace a file, and a file that was removed may come back.
+    if (m_selectedFile) paths += {*m_selectedFile, m_selectedFile->parent()};
+    m_watch->watch(paths);
+}
+
+// In the background, because folders and files may be large and this happens unasked.
+void ProjectFiles::lookAtDisk() {
+    if (m_looking) {
+        m_lookAgain = true;
+        return;
+    }
+    struct Seen {
+        std::optional<QList<FileEntry>> entries;
+        OnDisk onDisk = OnDisk::Same;
+    };
+    const auto look = [folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText] {
+        Seen seen;
+        if (folder) {
+            if (Result<QList<FileEntry>> entries = listEntries(*folder)) seen.entries = std::move(*entries);
+        }
+        if (file) seen.onDisk = compared(textOnDisk(*file), saved);
+        return seen;
+    };
+    m_looking = true;
+    runInBackground(this, look,
+                    [this, folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText](Seen seen) {
+                        m_looking = false;
+                        const bool isSameFolder = folder == m_browsingFolder;
+                        const bool isSameFile = file == m_selectedFile && saved == m_savedText;
+                        if (isSameFile) setOnDisk(seen.onDisk);
+                        if (isSameFolder && seen.entries && assign(m_files, std::move(*seen.entries)))
+                            Q_EMIT filesChanged();
+                        watchDisk();
+                        if (std::exchange(m_lookAgain, false) || !isSameFolder || !isSameFile) lookAtDisk();
+                    });
 }
 
 void ProjectFiles::edit(const std::optional<FilePath>& file, const QString& text) {
     const bool anotherFile = assign(m_selectedFile, file);
     const bool anotherSavedText = assign(m_savedText, text);
     const bool anotherText = assign(m_editorText, text);
+    watchDisk();
+    setOnDisk(OnDisk::Same);
     if (anotherFile) Q_EMIT selectedFileChanged();
     if (anotherSavedText) Q_EMIT savedTextChanged();
     if (anotherText) Q_EMIT editorTextChanged();
@@ -126,8 +189,8 @@ bool ProjectFiles::confirmDiscard() {
 }
 
 bool ProjectFiles::mayOverwrite(const FilePath& file) {
-    const Result<QByteArray> content = readFile(file, maximumReadBack);
-    const std::optional<QString> onDisk = content ? decodedText(*content) : std::nullopt;
+    const std::optional<QString> onDisk = textOnDisk(file);
+    setOnDisk(compared(onDisk, m_savedText));
     if (!onDisk) {
         m_notify(
             tr("This file was removed or can no longer be read as text. Your editor changes are still here; "
@@ -144,8 +207,7 @@ bool ProjectFiles::mayOverwrite(const FilePath& file) {
 
 void ProjectFiles::reloadFile() {
     if (!m_selectedFile) return;
-    const Result<QByteArray> content = readFile(*m_selectedFile, maximumReadBack);
-    const std::optional<QString> text = content ? decodedText(*content) : std::nullopt;
+    const std::optional<QString> text = textOnDisk(*m_selectedFile);
     if (text)
         edit(m_selectedFile, *text);
     else
@@ -162,7 +224,11 @@ bool ProjectFiles::saveFile() {
         m_notify(saved.error().message);
         return false;
     }
-    if (m_selectedFile == file && assign(m_savedText, text)) Q_EMIT savedTextChanged();
+    if (m_selectedFile == file) {
+        const bool savedIsNew = assign(m_savedText, text);
+        setOnDisk(OnDisk::Same);
+        if (savedIsNew) Q_EMIT savedTextChanged();
+    }
     m_notify(tr("Saved %1.").arg(file.displayName()));
     return true;
 }

@@ -13,6 +13,7 @@
 namespace orvo {
 
 class Dialogs;
+class DiskWatch;
 
 /// One listed item of a folder.
 struct FileEntry {
@@ -23,13 +24,21 @@ struct FileEntry {
     bool operator==(const FileEntry&) const = default;
 };
 
-/// The project's file list and the editor's buffer. Main thread only.
+/// The project's file list and the editor's buffer. Both follow the disk: the list by itself, the buffer by
+/// telling when its file has changed. Main thread only.
 class ProjectFiles : public QObject {
     Q_OBJECT
 
 public:
     /// Files of this many bytes are not opened.
     static constexpr qint64 tooLargeToOpen = 2'000'000;
+    /// How the open file compares with what was last read from it or written to it.
+    enum class OnDisk {
+        Same,
+        Changed,
+        /// Removed, replaced by something that is no text, or not to be read.
+        Unreadable,
+    };
 
     /// `dialogs` outlives this object. `notify` shows a sentence to the person.
     ProjectFiles(Dialogs& dialogs, std::function<void(const QString&)> notify, QObject* parent = nullptr);
@@ -39,6 +48,8 @@ public:
     const std::optional<FilePath>& selectedFile() const { return m_selectedFile; }
     const QString& editorText() const { return m_editorText; }
     const QString& savedText() const { return m_savedText; }
+    /// As of a moment ago; saving looks again.
+    OnDisk onDisk() const { return m_onDisk; }
     /// File filter of the Files page.
     const QString& search() const { return m_search; }
     void setEditorText(const QString& text);
@@ -48,6 +59,7 @@ public:
     void setProject(const std::optional<FilePath>& folder);
     /// Lists `folder`, else the folder browsed, else the project. Folders first, then as a person would sort
     /// ("file2" before "file10"); hidden files are left out. A folder that cannot be listed leaves the list.
+    /// While it is browsed the list follows what changes in it.
     void refreshFiles(const std::optional<FilePath>& folder = std::nullopt);
     /// Goes into a folder, or puts a text file into the editor after asking about unsaved changes.
     void openFile(const FileEntry& entry);
@@ -72,11 +84,15 @@ Q_SIGNALS:
     void selectedFileChanged();
     void editorTextChanged();
     void savedTextChanged();
+    void onDiskChanged();
     void searchChanged();
 
 private:
     void edit(const std::optional<FilePath>& file, const QString& text);
     void setBrowsingFolder(const std::optional<FilePath>& folder);
+    void setOnDisk(OnDisk onDisk);
+    void watchDisk();
+    void lookAtDisk();
     bool mayOverwrite(const FilePath& file);
 
     Dialogs& m_dialogs;
@@ -88,6 +104,11 @@ private:
     QString m_editorText;
     QString m_savedText;
     QString m_search;
+    OnDisk m_onDisk = OnDisk::Same;
+    DiskWatch* m_watch;
+    // A look at the disk is under way in the background; it was asked for again meanwhile.
+    bool m_looking = false;
+    bool m_lookAgain = false;
 };
 
 }  // namespace orvo

@@ -2,10 +2,14 @@
 
 #include "platform/TemporaryFolder.h"
 #include "platform/fake/FakeDialogs.h"
+#include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <fstream>
+#include <thread>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -259,6 +263,121 @@ TEST_F(ProjectFilesTest, aNewFileIsEmptyOpenAndListed) {
     m_files.setProject(std::nullopt);
     m_files.newFile();
     EXPECT_EQ(m_dialogs.savePanels().size(), 3) << "without a project nothing is asked";
+}
+
+TEST_F(ProjectFilesTest, theListFollowsTheDisk) {
+    makeFolder("sub");
+    m_files.refreshFiles();
+    int lists = 0;
+    QObject::connect(&m_files, &ProjectFiles::filesChanged, [&] { ++lists; });
+    // A burst is seen as a few changes, not as one each.
+    for (int file = 0; file < 500; ++file)
+        writeFile(m_folder.child("new" + QByteArray::number(file)), "x");
+    EXPECT_TRUE(test::waitFor([&] { return m_files.files().size() == 502; }));
+    EXPECT_LE(lists, 20);
+    ASSERT_EQ(unlink(m_folder.child("new7").bytes().constData()), 0);
+    EXPECT_TRUE(test::waitFor([&] { return m_files.files().size() == 501; }));
+
+    m_files.refreshFiles(m_folder.child("sub"));
+    writeFile(m_folder.child("sub").child("inside"), "x");
+    EXPECT_TRUE(test::waitFor([&] { return listing() == QStringLiteral("inside"); }));
+    std::filesystem::remove_all(m_folder.child("sub").bytes().toStdString());
+    writeFile(m_folder.child("later"), "x");
+    m_files.refreshFiles(m_folder.path());
+    EXPECT_TRUE(listing().contains(QStringLiteral("later")));
+    EXPECT_TRUE(m_notices.isEmpty());
+}
+
+TEST_F(ProjectFilesTest, tellsWhatBecameOfTheOpenFileBeforeItIsSaved) {
+    using OnDisk = ProjectFiles::OnDisk;
+    openMain();
+    const auto becomes = [this](OnDisk expected) {
+        return test::waitFor([&] { return m_files.onDisk() == expected; });
+    };
+    // Written in place, written back, replaced as editors do, removed, put back, replaced by a folder.
+    writeFile(m_file, "theirs\n");
+    EXPECT_TRUE(becomes(OnDisk::Changed));
+    writeFile(m_file, "one\n");
+    EXPECT_TRUE(becomes(OnDisk::Same));
+    const FilePath draft = m_folder.child("draft");
+    writeFile(draft, "theirs again\n");
+    ASSERT_EQ(rename(draft.bytes().constData(), m_file.bytes().constData()), 0);
+    EXPECT_TRUE(becomes(OnDisk::Changed));
+    writeFile(m_file, "\xFF");
+    EXPECT_TRUE(becomes(OnDisk::Unreadable)) << "the new file is followed, too";
+    ASSERT_EQ(unlink(m_file.bytes().constData()), 0);
+    writeFile(m_file, "one\n");
+    EXPECT_TRUE(becomes(OnDisk::Same));
+    ASSERT_EQ(unlink(m_file.bytes().constData()), 0);
+    makeFolder("main.py");
+    EXPECT_TRUE(becomes(OnDisk::Unreadable));
+    m_files.setEditorText(QStringLiteral("mine"));
+    EXPECT_FALSE(m_files.saveFile());
+    EXPECT_EQ(m_notices.takeLast(), removedSentence);
+    EXPECT_EQ(m_files.editorText(), QStringLiteral("mine"));
+
+    ASSERT_EQ(rmdir(m_file.bytes().constData()), 0);
+    writeFile(m_file, "theirs");
+    EXPECT_TRUE(becomes(OnDisk::Changed));
+    m_dialogs.answer(QStringLiteral("Replace"));
+    EXPECT_TRUE(m_files.saveFile());
+    EXPECT_EQ(m_files.onDisk(), OnDisk::Same);
+    writeFile(m_file, "theirs");
+    EXPECT_TRUE(becomes(OnDisk::Changed));
+    m_files.openFile({m_file, false});
+    EXPECT_EQ(m_files.onDisk(), OnDisk::Same);
+}
+
+TEST_F(ProjectFilesTest, aLinkLedElsewhereIsAskedAboutAndWrittenWhereItLeads) {
+    const FilePath link = m_folder.child("link.py");
+    writeFile(m_folder.child("other.py"), "other");
+    ASSERT_EQ(symlink("main.py", link.bytes().constData()), 0);
+    m_files.openFile({link, false});
+    m_files.setEditorText(QStringLiteral("mine"));
+    ASSERT_EQ(unlink(link.bytes().constData()), 0);
+    ASSERT_EQ(symlink("other.py", link.bytes().constData()), 0);
+    m_dialogs.answer(QStringLiteral("Cancel"));
+    EXPECT_FALSE(m_files.saveFile());
+    EXPECT_EQ(readFile(m_folder.child("other.py")), "other");
+    m_dialogs.answer(QStringLiteral("Replace"));
+    EXPECT_TRUE(m_files.saveFile());
+    EXPECT_EQ(readFile(m_folder.child("other.py")), "mine");
+    EXPECT_EQ(readFile(m_file), "one\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(link.bytes().toStdString()));
+}
+
+TEST_F(ProjectFilesTest, aFileThatGrowsWhileItIsReadIsReadWholeOrRefused) {
+    std::atomic<bool> isOver{false};
+    std::thread writer([&] {
+        std::ofstream stream(m_file.bytes().toStdString(), std::ios::binary | std::ios::app);
+        for (int line = 0; line < 4'000 && !isOver; ++line)
+            stream << std::string(1'000, 'x') << std::endl;
+    });
+    for (int round = 0; round < 200; ++round) {
+        m_notices.clear();
+        m_files.openFile({m_file, false});
+        ASSERT_TRUE(m_files.editorText().startsWith(QStringLiteral("one\n")));
+        ASSERT_LT(m_files.editorText().size(), ProjectFiles::tooLargeToOpen);
+        ASSERT_FALSE(m_files.fileIsDirty());
+    }
+    isOver = true;
+    writer.join();
+}
+
+TEST_F(ProjectFilesTest, aFolderOfTwentyThousandIsListedInOrder) {
+    for (int file = 0; file < 20'000; ++file)
+        writeFile(m_folder.child("file" + QByteArray::number(file)), "");
+    const auto cpuMilliseconds = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    };
+    const double before = cpuMilliseconds();
+    m_files.refreshFiles();
+    RecordProperty("milliseconds", static_cast<int>(cpuMilliseconds() - before));
+    ASSERT_EQ(m_files.files().size(), 20'001);
+    EXPECT_EQ(m_files.files()[2].url.nameBytes(), "file2");
+    EXPECT_EQ(m_files.files()[19'999].url.nameBytes(), "file19999");
 }
 
 TEST_F(ProjectFilesTest, announcesRealChangesOnly) {

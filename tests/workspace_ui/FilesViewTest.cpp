@@ -139,6 +139,49 @@ TEST_F(FilesViewTest, RunsTheFileAndFreeCommands) {
     EXPECT_TRUE(shown(2).contains(text("free")));
 }
 
+TEST_F(FilesViewTest, TheHeaderTellsOfChangesOnDiskAndReloads) {
+    openProject();
+    click("main.py");
+    EXPECT_FALSE(shows(screen(), text("Changed on disk")));
+    writeFile(m_project.child("main.py"), "theirs");
+    EXPECT_TRUE(waitFor([&] { return shows(screen(), text("Changed on disk")); }));
+    press(text("Reload file"));
+    EXPECT_EQ(editor().text(), text("theirs"));
+    EXPECT_FALSE(shows(screen(), text("Changed on disk")));
+    EXPECT_FALSE(shows(screen(), text("Reload file")));
+    QFile::remove(m_project.child("main.py").display());
+    EXPECT_TRUE(waitFor([&] { return shows(screen(), text("Removed, or no longer readable as text")); }));
+    EXPECT_TRUE(waitFor([&] { return rows() == text("src readme.md"); }));
+}
+
+TEST_F(FilesViewTest, FindsAndGoesToLines) {
+    openProject();
+    writeFile(m_project.child("main.py"), "one two\nTwo\nthree");
+    click("main.py");
+    editor().setFocus();
+    QTest::keyClick(&editor(), Qt::Key_F, Qt::ControlModifier);
+    auto* const field = find<TextField>(screen(), text("Find in file…"));
+    QTest::keyClicks(field, text("two"));
+    EXPECT_TRUE(shows(screen(), text("1 of 2")));
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_TRUE(shows(screen(), text("2 of 2")));
+    EXPECT_EQ(editor().textCursor().selectedText(), text("Two"));
+    press(text("Previous match"));
+    EXPECT_EQ(editor().textCursor().selectedText(), text("two"));
+    QTest::keyClicks(field, text("x"));
+    EXPECT_TRUE(shows(screen(), text("No matches")));
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_FALSE(field->isVisible());
+
+    QTest::keyClick(&editor(), Qt::Key_G, Qt::ControlModifier);
+    auto* const line = find<TextField>(screen(), text("Go to line…"));
+    EXPECT_TRUE(shows(screen(), text("of 3")));
+    line->setText(text("3"));
+    QTest::keyClick(line, Qt::Key_Return);
+    EXPECT_EQ(editor().currentLine(), 3);
+    EXPECT_FALSE(line->isVisible());
+}
+
 TEST_F(FilesViewTest, ATextFromElsewhereChangesOnlyWhatDiffers) {
     openProject();
     click("main.py");

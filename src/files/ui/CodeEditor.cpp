@@ -24,6 +24,7 @@ constexpr double lineFactor = 1.5;
 constexpr int tabColumns = 4;
 constexpr double smallestFont = 8;
 constexpr double largestFont = 40;
+constexpr qsizetype mostMarks = 1'000;
 
 /// A document's text as it is kept in blocks, but with line feeds between them.
 QString withLineFeeds(QString raw) {
@@ -119,6 +120,7 @@ void CodeEditor::adoptEdit() {
 void CodeEditor::recolor() {
     m_highlighter.setText(m_text.lines(), plainReason().isEmpty());
     colorVisibleBlocks();
+    Q_EMIT textShown();
 }
 
 template <class Visit>
@@ -205,6 +207,59 @@ void CodeEditor::goToLine(int number) {
     const auto index = static_cast<int>(m_text.indexOf(number));
     setTextCursor(QTextCursor(document()->findBlockByNumber(index)));
     centerCursor();
+}
+
+// Positions in the editor's lines are those of the document.
+bool CodeEditor::find(const QString& text, Search search) {
+    const QString& lines = m_text.lines();
+    const qsizetype start = textCursor().selectionStart();
+    qsizetype found = -1;
+    if (text.isEmpty()) return false;
+    if (search == Search::Previous) {
+        if (start > 0) found = lines.lastIndexOf(text, start - 1, Qt::CaseInsensitive);
+        if (found < 0) found = lines.lastIndexOf(text, -1, Qt::CaseInsensitive);
+    } else {
+        const bool isPast = search == Search::Next && textCursor().hasSelection();
+        found = lines.indexOf(text, start + (isPast ? 1 : 0), Qt::CaseInsensitive);
+        if (found < 0) found = lines.indexOf(text, 0, Qt::CaseInsensitive);
+    }
+    if (found < 0) return false;
+    QTextCursor cursor(document());
+    cursor.setPosition(static_cast<int>(found));
+    cursor.setPosition(static_cast<int>(found + text.size()), QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    return true;
+}
+
+CodeEditor::Matches CodeEditor::matches(const QString& text) const {
+    if (text.isEmpty()) return {};
+    const QStringView lines(m_text.lines());
+    const QTextCursor cursor = textCursor();
+    const QStringView selected =
+        lines.sliced(cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart());
+    Matches found{.count = lines.count(text, Qt::CaseInsensitive)};
+    if (selected.compare(text, Qt::CaseInsensitive) == 0)
+        found.current = lines.first(cursor.selectionEnd()).count(text, Qt::CaseInsensitive);
+    return found;
+}
+
+void CodeEditor::setSearched(const QString& text) {
+    QList<QTextEdit::ExtraSelection> places;
+    const QString& lines = m_text.lines();
+    const QColor mark = toQColor(rolesOf(this).selected);
+    for (qsizetype at = 0; !text.isEmpty() && places.size() <= mostMarks;) {
+        at = lines.indexOf(text, at, Qt::CaseInsensitive);
+        if (at < 0) break;
+        QTextEdit::ExtraSelection place;
+        place.cursor = QTextCursor(document());
+        place.cursor.setPosition(static_cast<int>(at));
+        at += text.size();
+        place.cursor.setPosition(static_cast<int>(at), QTextCursor::KeepAnchor);
+        place.format.setBackground(mark);
+        places.append(place);
+    }
+    if (places.size() > mostMarks) places.clear();
+    setExtraSelections(places);
 }
 
 QList<CodeEditor::NumberedLine> CodeEditor::visibleLines() const {

@@ -44,6 +44,24 @@ public:
     /// Puts the caret at the beginning of a line and shows it; the last line for greater numbers.
     void goToLine(int number);
 
+    enum class Search {
+        /// From the beginning of the selection on.
+        Here,
+        Next,
+        Previous,
+    };
+    /// Selects a place where `text` stands, whatever its case, going on at the other end of the editor's
+    /// text. False when there is none.
+    bool find(const QString& text, Search search);
+    struct Matches {
+        qsizetype count = 0;
+        /// Which of them is selected, from 1; 0 for none.
+        qsizetype current = 0;
+    };
+    Matches matches(const QString& text) const;
+    /// Marks the places where `text` stands, as long as they are not too many to help.
+    void setSearched(const QString& text);
+
     struct NumberedLine {
         int number;
         /// Of the first row of a wrapped line, in the viewport.
@@ -62,6 +80,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// The person has changed the text.
     void textEdited();
+    /// Another text shows, for whatever reason.
+    void textShown();
     void focusChanged(bool focused);
 
 protected:

@@ -9,10 +9,13 @@
 #include "appearance/controls/Symbol.h"
 #include "appearance/controls/layouts.h"
 #include "files/ui/CodeEditor.h"
+#include "files/ui/FindBar.h"
+#include "files/ui/LineBar.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
 
 #include <QPainter>
+#include <QShortcut>
 
 namespace orvo {
 namespace {
@@ -43,11 +46,16 @@ EditorPane::EditorPane(Workspace& workspace, Theme& theme, QWidget* parent)
     addWidget(m_empty);
     auto* const column = columnIn(m_card, 0, QMargins(1, 1, 1, 1));
     column->addWidget(makeHeader());
-    column->addWidget(new Divider);
     m_code = new CodeEditor(tr("Code editor"));
     m_code->setBottomRadius(Card::radius - 1);
+    m_find = new FindBar(*m_code);
+    m_line = new LineBar(*m_code);
+    column->addWidget(m_find);
+    column->addWidget(m_line);
+    column->addWidget(new Divider);
     column->addWidget(m_code, 1);
     addWidget(m_card);
+    addShortcuts();
 
     ProjectFiles& files = workspace.files();
     connect(m_code, &CodeEditor::textEdited, this,
@@ -60,6 +68,9 @@ EditorPane::EditorPane(Workspace& workspace, Theme& theme, QWidget* parent)
             {&ProjectFiles::selectedFileChanged, &ProjectFiles::editorTextChanged,
              &ProjectFiles::savedTextChanged},
             this, [this] { refreshHeader(); });
+    observe(files, {&ProjectFiles::onDiskChanged, &ProjectFiles::selectedFileChanged}, this,
+            [this] { refreshNote(); });
+    connect(m_code, &CodeEditor::textShown, this, &EditorPane::refreshNote);
     observe(theme, {&Theme::fontSizeChanged, &Theme::backgroundHexChanged}, this, [this] { refreshLooks(); });
 }
 
@@ -73,7 +84,15 @@ QWidget* EditorPane::makeHeader() {
     row->addWidget(m_name);
     m_modified = new ModifiedDot;
     row->addWidget(m_modified);
-    row->addStretch(1);
+    m_note = new ElidedLabel(QString(), TypeRole::Caption, Ink::Muted);
+    row->addWidget(wide(m_note), 1);
+    m_reload = new OrvoButton(tr("Reload file"), QStringLiteral("arrow.clockwise"), OrvoButton::Kind::Plain);
+    connect(m_reload, &OrvoButton::clicked, this, [this] {
+        // Asks first when there are changes to lose.
+        ProjectFiles& files = m_workspace.files();
+        if (const std::optional<FilePath> file = files.selectedFile()) files.openFile({*file, false});
+    });
+    row->addWidget(m_reload);
     auto* const save = new OrvoButton(tr("Save"), QStringLiteral("square.and.arrow.down"));
     connect(save, &OrvoButton::clicked, this, [this] { m_workspace.files().saveFile(); });
     row->addWidget(save);
@@ -81,6 +100,24 @@ QWidget* EditorPane::makeHeader() {
     connect(run, &OrvoButton::clicked, this, [this] { m_workspace.runFile(); });
     row->addWidget(run);
     return header;
+}
+
+void EditorPane::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, auto action) {
+        auto* const shortcut = new QShortcut(keys, m_card);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, action);
+    };
+    add(QKeySequence::Find, [this] {
+        m_line->hide();
+        m_find->open();
+    });
+    add(QKeySequence(Qt::CTRL | Qt::Key_G), [this] {
+        if (m_find->isVisible()) m_find->close();
+        m_line->open();
+    });
+    add(QKeySequence(Qt::Key_F3), [this] { m_find->findNext(); });
+    add(QKeySequence(Qt::SHIFT | Qt::Key_F3), [this] { m_find->findPrevious(); });
 }
 
 // Another file begins with a history of its own.
@@ -95,6 +132,24 @@ void EditorPane::refreshHeader() {
     if (!files.selectedFile()) return;
     m_name->setText(files.selectedFile()->displayName().simplified());
     m_modified->setVisible(files.fileIsDirty());
+}
+
+void EditorPane::refreshNote() {
+    using OnDisk = ProjectFiles::OnDisk;
+    const OnDisk onDisk = m_workspace.files().onDisk();
+    m_reload->setVisible(onDisk == OnDisk::Changed);
+    m_note->setInk(onDisk == OnDisk::Same ? Ink::Muted : Ink::Danger);
+    switch (onDisk) {
+        case OnDisk::Same:
+            m_note->setText(m_code->plainReason());
+            break;
+        case OnDisk::Changed:
+            m_note->setText(tr("Changed on disk"));
+            break;
+        case OnDisk::Unreadable:
+            m_note->setText(tr("Removed, or no longer readable as text"));
+            break;
+    }
 }
 
 void EditorPane::refreshText() {

@@ -7,6 +7,9 @@ namespace orvo {
 class Card;
 class CodeEditor;
 class ElidedLabel;
+class FindBar;
+class LineBar;
+class OrvoButton;
 class Theme;
 class Workspace;
 
@@ -19,8 +22,10 @@ public:
 
 private:
     QWidget* makeHeader();
+    void addShortcuts();
     void refreshFile();
     void refreshHeader();
+    void refreshNote();
     void refreshText();
     void refreshLooks();
 
@@ -30,7 +35,11 @@ private:
     Card* m_card;
     ElidedLabel* m_name = nullptr;
     QWidget* m_modified = nullptr;
+    ElidedLabel* m_note = nullptr;
+    OrvoButton* m_reload = nullptr;
     CodeEditor* m_code;
+    FindBar* m_find;
+    LineBar* m_line;
 };
 
 }  // namespace orvo

@@ -298,6 +298,29 @@ TEST_F(CodeEditorTest, goesToLinesAndNumbersThem) {
     EXPECT_EQ(m_editor->currentLine(), 1);
 }
 
+TEST_F(CodeEditorTest, findsInEitherDirectionAndRoundTheEnd) {
+    using Search = CodeEditor::Search;
+    show(text("aXa |xaX b\n\nx"));
+    const auto found = [this](const char* what, Search search) {
+        return m_editor->find(text(what), search) ? shown() : QString();
+    };
+    EXPECT_EQ(found("x", Search::Here), text("aXa [x]aX b\n\nx"));
+    EXPECT_EQ(found("xA", Search::Here), text("aXa [xa]X b\n\nx")) << "stays while the text grows";
+    EXPECT_EQ(found("x", Search::Next), text("aXa xa[X] b\n\nx"));
+    EXPECT_EQ(found("x", Search::Next), text("aXa xaX b\n\n[x]"));
+    EXPECT_EQ(m_editor->matches(text("x")).count, 4);
+    EXPECT_EQ(m_editor->matches(text("x")).current, 4);
+    EXPECT_EQ(found("x", Search::Next), text("a[X]a xaX b\n\nx"));
+    EXPECT_EQ(m_editor->matches(text("X")).current, 1);
+    EXPECT_EQ(m_editor->matches(text("Xa")).current, 0);
+    EXPECT_EQ(found("x", Search::Previous), text("aXa xaX b\n\n[x]"));
+    EXPECT_EQ(found("y", Search::Next), QString());
+    EXPECT_EQ(found("", Search::Here), QString());
+    EXPECT_EQ(shown(), text("aXa xaX b\n\n[x]")) << "what is not there moves nothing";
+    m_editor->setSearched(text("a"));
+    EXPECT_EQ(m_editor->extraSelections().size(), 3);
+}
+
 TEST_F(CodeEditorTest, zoomsWithinLimitsAndBack) {
     m_editor->setFontSize(13);
     const auto size = [this] {
