@@ -1,5 +1,6 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/TaskEditor.h"
+#include "files/ui/CodeEditor.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
 
@@ -134,7 +135,7 @@ TEST_F(ComputerActionsViewTest, RunsScriptsInTheProjectFolderOnly) {
     EXPECT_TRUE(workspace().sessions().empty());
 
     workspace().openFolderForThisRun(makeProject(text("notes")));
-    find<TaskEditor>(screen(), text("AppleScript"))->setPlainText(text("say 'it''s high tide' \\ $(ls)"));
+    find<CodeEditor>(screen(), text("AppleScript"))->setText(text("say 'it''s high tide' \\ $(ls)"));
     press(text("Run script"));
     ASSERT_EQ(workspace().sessions().size(), 1u);
     const TerminalSession& session = *workspace().sessions().front();

@@ -27,7 +27,7 @@ constexpr int highestEditor = 160;
 }  // namespace
 
 ComputerActionsView::ComputerActionsView(WorkspaceMacActions& actions, Workspace& workspace,
-                                         VoiceDraft voiceDraft, QWidget* parent)
+                                         const Theme& theme, VoiceDraft voiceDraft, QWidget* parent)
     : QWidget(parent), m_actions(actions), m_workspace(workspace), m_voiceDraft(std::move(voiceDraft)) {
     auto* const page = new ScrollPage;
     columnIn(this)->addWidget(page);
@@ -54,7 +54,7 @@ ComputerActionsView::ComputerActionsView(WorkspaceMacActions& actions, Workspace
            "text and shortcut. Replan if the screen differs from the plan. Typing needs macOS Accessibility "
            "permission.")));
     column.addSpacing(gap);
-    column.addWidget(makeUtilities());
+    column.addWidget(makeUtilities(theme));
     column.addStretch(1);
 
     const ComputerPlanner& planner = m_actions.planner();
@@ -120,12 +120,12 @@ QWidget* ComputerActionsView::makePlanButtons() {
     return host;
 }
 
-QWidget* ComputerActionsView::makeUtilities() {
+QWidget* ComputerActionsView::makeUtilities(const Theme& theme) {
     auto* const host = new QWidget;
     auto* const column = columnIn(host);
     auto* const disclosure = new Disclosure(tr("Manual Mac tools"));
     column->addWidget(disclosure);
-    auto* const utilities = new MacActionsView(m_actions, m_workspace);
+    auto* const utilities = new MacActionsView(m_actions, m_workspace, theme);
     utilities->setContentsMargins(0, sectionGap, 0, 0);
     utilities->hide();
     column->addWidget(utilities);

@@ -10,6 +10,7 @@ class OrvoButton;
 class Paragraph;
 class TaskEditor;
 class TextLabel;
+class Theme;
 class Workspace;
 class WorkspaceMacActions;
 
@@ -22,14 +23,14 @@ public:
     /// What the desktop companion has taken down last; empty when there is nothing.
     using VoiceDraft = std::function<QString()>;
 
-    ComputerActionsView(WorkspaceMacActions& actions, Workspace& workspace, VoiceDraft voiceDraft,
-                        QWidget* parent = nullptr);
+    ComputerActionsView(WorkspaceMacActions& actions, Workspace& workspace, const Theme& theme,
+                        VoiceDraft voiceDraft, QWidget* parent = nullptr);
 
 private:
     QWidget* makeRequest();
     QWidget* makeRequestButtons();
     QWidget* makePlanButtons();
-    QWidget* makeUtilities();
+    QWidget* makeUtilities(const Theme& theme);
     void refreshTask();
     void refreshPlanning();
     void refreshExecution();

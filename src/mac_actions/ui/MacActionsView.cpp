@@ -1,5 +1,6 @@
 #include "mac_actions/ui/MacActionsView.h"
 
+#include "appearance/Theme.h"
 #include "appearance/controls/ActionCard.h"
 #include "appearance/controls/Card.h"
 #include "appearance/controls/Eyebrow.h"
@@ -8,10 +9,10 @@
 #include "appearance/controls/PageTitle.h"
 #include "appearance/controls/Paragraph.h"
 #include "appearance/controls/StatusPill.h"
-#include "appearance/controls/TaskEditor.h"
 #include "appearance/controls/TextLabel.h"
 #include "appearance/controls/Well.h"
 #include "appearance/controls/layouts.h"
+#include "files/ui/CodeEditor.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceMacActions.h"
@@ -21,14 +22,13 @@ namespace {
 
 constexpr int gap = 12;
 constexpr int padding = 16;
-constexpr int scriptHeight = 96;
-constexpr int highestScript = 240;
-constexpr double scriptPixels = 13;
+constexpr int scriptHeight = 140;
 
 }  // namespace
 
-MacActionsView::MacActionsView(WorkspaceMacActions& actions, Workspace& workspace, QWidget* parent)
-    : QWidget(parent), m_actions(actions), m_workspace(workspace) {
+MacActionsView::MacActionsView(WorkspaceMacActions& actions, Workspace& workspace, const Theme& theme,
+                               QWidget* parent)
+    : QWidget(parent), m_actions(actions), m_workspace(workspace), m_theme(theme) {
     auto* const column = columnIn(this);
     column->addWidget(
         new PageTitle(tr("Beyond the editor"), tr("Your Mac, within reach."),
@@ -108,12 +108,13 @@ QWidget* MacActionsView::makeConsole() {
     column->addLayout(heading);
     column->addSpacing(gap);
     auto* const well = new Well;
-    auto* const script = new TaskEditor(tr("AppleScript"), QString());
-    script->setFont(codeFont(scriptPixels));
-    script->setGrowth(scriptHeight, highestScript);
-    script->setText(QStringLiteral("tell application \"Finder\" to activate"));
-    columnIn(well, 0, QMargins(gap, gap, gap, gap))->addWidget(script);
-    m_script = script;
+    m_script = new CodeEditor(tr("AppleScript"));
+    m_script->setFixedHeight(scriptHeight);
+    m_script->open(QStringLiteral("tell application \"Finder\" to activate"));
+    // The ground is the theme's own, as in the editor of files.
+    observe(m_theme, {&Theme::backgroundHexChanged}, m_script,
+            [this] { m_script->setBackground(toQColor(m_theme.bg())); });
+    columnIn(well, 0, QMargins(1, 1, 1, 1))->addWidget(m_script);
     column->addWidget(well);
     column->addSpacing(gap);
     auto* const actions = rowIn(nullptr, 8);
@@ -122,7 +123,7 @@ QWidget* MacActionsView::makeConsole() {
     actions->addStretch();
     auto* const run =
         new OrvoButton(tr("Run script"), QStringLiteral("play.fill"), OrvoButton::Kind::Primary);
-    connect(run, &OrvoButton::clicked, this, [this] { m_actions.runScript(m_script->toPlainText()); });
+    connect(run, &OrvoButton::clicked, this, [this] { m_actions.runScript(m_script->text()); });
     actions->addWidget(run);
     column->addLayout(actions);
     return card;

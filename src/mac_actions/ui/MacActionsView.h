@@ -2,12 +2,11 @@
 
 #include <QWidget>
 
-class QPlainTextEdit;
-
 namespace orvo {
 
-class OrvoButton;
+class CodeEditor;
 class TextLabel;
+class Theme;
 class Workspace;
 class WorkspaceMacActions;
 
@@ -17,7 +16,8 @@ class MacActionsView final : public QWidget {
     Q_OBJECT
 
 public:
-    MacActionsView(WorkspaceMacActions& actions, Workspace& workspace, QWidget* parent = nullptr);
+    MacActionsView(WorkspaceMacActions& actions, Workspace& workspace, const Theme& theme,
+                   QWidget* parent = nullptr);
 
 private:
     QWidget* makeTools();
@@ -27,8 +27,9 @@ private:
 
     WorkspaceMacActions& m_actions;
     Workspace& m_workspace;
+    const Theme& m_theme;
     TextLabel* m_permission = nullptr;
-    QPlainTextEdit* m_script = nullptr;
+    CodeEditor* m_script = nullptr;
 };
 
 }  // namespace orvo

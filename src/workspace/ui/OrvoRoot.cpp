@@ -75,7 +75,7 @@ QWidget* OrvoRoot::makePage(Destination destination) {
             return new SettingsView(m_workspace, m_launcher, settingsFacts());
         case Destination::Mac:
             if (!m_engines.macActions) break;
-            return new ComputerActionsView(*m_engines.macActions, m_workspace, {});
+            return new ComputerActionsView(*m_engines.macActions, m_workspace, m_theme, {});
         case Destination::Companion:
             break;
     }
