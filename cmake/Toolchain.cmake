@@ -28,5 +28,5 @@ if(ORVO_SANITIZE)
   add_compile_options(-fsanitize=${ORVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ORVO_SANITIZE})
   # The instrumentation makes g++ 12 see uninitialised values in std::variant and std::optional that are none.
-  add_compile_options(-Wno-maybe-uninitialized)
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
