@@ -27,10 +27,11 @@ test-tsan: ## the Qt-free core under the thread sanitizer
 	@scripts/install-deps test
 	@scripts/test tsan
 
-bench: ## the interpreter beside libvterm, as a table
+bench: ## the interpreter beside libvterm, and what a key costs in the editor, as tables
 	@scripts/install-deps bench
 	@$(MAKE) --no-print-directory build BENCH=1
 	@$(RELEASE)/orvo_bench
+	@$(RELEASE)/orvo_editor_bench
 
 lint: ## formatting, static analysis, layers
 	@scripts/install-deps lint test

@@ -17,7 +17,8 @@ struct Row {
     QCollatorSortKey key;
 };
 
-bool isFolder(const FilePath& path) {
+bool isFolder(const FilePath& path, FolderItem::Kind kind) {
+    if (kind != FolderItem::Kind::Unknown) return kind == FolderItem::Kind::Folder;
     struct stat status{};
     return stat(path.bytes().constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
@@ -41,14 +42,15 @@ bool standsBefore(const Row& left, const Row& right) {
 }  // namespace
 
 Result<QList<FileEntry>> listEntries(const FilePath& folder) {
-    const Result<QList<QByteArray>> names = listFolder(folder);
-    if (!names) return tl::unexpected<Error>(names.error());
+    const Result<QList<FolderItem>> items = listFolderItems(folder);
+    if (!items) return tl::unexpected<Error>(items.error());
     const QCollator collator = naturalOrder();
     std::vector<Row> rows;
-    for (const QByteArray& name : *names) {
-        if (name.startsWith('.')) continue;
-        const FilePath path = folder.child(name);
-        rows.push_back({{path, isFolder(path)}, collator.sortKey(path.displayName())});
+    rows.reserve(static_cast<std::size_t>(items->size()));
+    for (const FolderItem& item : *items) {
+        if (item.name.startsWith('.')) continue;
+        const FilePath path = folder.child(item.name);
+        rows.push_back({{path, isFolder(path, item.kind)}, collator.sortKey(QString::fromUtf8(item.name))});
     }
     std::ranges::sort(rows, standsBefore);
     QList<FileEntry> entries;

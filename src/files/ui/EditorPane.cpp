@@ -9,8 +9,8 @@
 #include "appearance/controls/Symbol.h"
 #include "appearance/controls/layouts.h"
 #include "files/ui/CodeEditor.h"
-#include "files/ui/FindBar.h"
-#include "files/ui/LineBar.h"
+#include "files/ui/CodeLineBar.h"
+#include "files/ui/CodeSearchBar.h"
 #include "platform/observe.h"
 #include "workspace/Workspace.h"
 
@@ -48,8 +48,8 @@ EditorPane::EditorPane(Workspace& workspace, Theme& theme, QWidget* parent)
     column->addWidget(makeHeader());
     m_code = new CodeEditor(tr("Code editor"));
     m_code->setBottomRadius(Card::radius - 1);
-    m_find = new FindBar(*m_code);
-    m_line = new LineBar(*m_code);
+    m_find = new CodeSearchBar(*m_code);
+    m_line = new CodeLineBar(*m_code);
     column->addWidget(m_find);
     column->addWidget(m_line);
     column->addWidget(new Divider);

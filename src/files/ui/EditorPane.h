@@ -7,8 +7,8 @@ namespace orvo {
 class Card;
 class CodeEditor;
 class ElidedLabel;
-class FindBar;
-class LineBar;
+class CodeSearchBar;
+class CodeLineBar;
 class OrvoButton;
 class Theme;
 class Workspace;
@@ -38,8 +38,8 @@ private:
     ElidedLabel* m_note = nullptr;
     OrvoButton* m_reload = nullptr;
     CodeEditor* m_code;
-    FindBar* m_find;
-    LineBar* m_line;
+    CodeSearchBar* m_find;
+    CodeLineBar* m_line;
 };
 
 }  // namespace orvo

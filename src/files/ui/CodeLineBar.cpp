@@ -1,4 +1,4 @@
-#include "files/ui/LineBar.h"
+#include "files/ui/CodeLineBar.h"
 
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/TextField.h"
@@ -16,7 +16,7 @@ constexpr int fieldWidth = 160;
 
 }  // namespace
 
-LineBar::LineBar(CodeEditor& editor, QWidget* parent) : QWidget(parent), m_editor(editor) {
+CodeLineBar::CodeLineBar(CodeEditor& editor, QWidget* parent) : QWidget(parent), m_editor(editor) {
     auto* const row = rowIn(this, 8, QMargins(12, 6, 8, 6));
     m_number = new TextField(tr("Go to line…"));
     m_number->setAccessibleName(m_number->placeholderText());
@@ -29,12 +29,12 @@ LineBar::LineBar(CodeEditor& editor, QWidget* parent) : QWidget(parent), m_edito
     row->addStretch(1);
     auto* const closing =
         new OrvoButton(tr("Close"), QStringLiteral("xmark"), OrvoButton::Kind::Icon, OrvoButton::Size::Small);
-    connect(closing, &OrvoButton::clicked, this, &LineBar::close);
+    connect(closing, &OrvoButton::clicked, this, &CodeLineBar::close);
     row->addWidget(closing);
     hide();
 }
 
-void LineBar::open() {
+void CodeLineBar::open() {
     m_number->setText(QString::number(m_editor.currentLine()));
     m_last->setText(tr("of %1").arg(m_editor.lastLine()));
     show();
@@ -42,12 +42,12 @@ void LineBar::open() {
     m_number->selectAll();
 }
 
-void LineBar::close() {
+void CodeLineBar::close() {
     hide();
     m_editor.setFocus(Qt::OtherFocusReason);
 }
 
-void LineBar::keyPressEvent(QKeyEvent* event) {
+void CodeLineBar::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:

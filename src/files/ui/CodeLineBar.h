@@ -9,12 +9,12 @@ class TextField;
 class TextLabel;
 
 /// Goes to a line of an editor by its number. Hidden until it is opened.
-class LineBar final : public QWidget {
+class CodeLineBar final : public QWidget {
     Q_OBJECT
 
 public:
     /// The editor outlives the bar.
-    explicit LineBar(CodeEditor& editor, QWidget* parent = nullptr);
+    explicit CodeLineBar(CodeEditor& editor, QWidget* parent = nullptr);
 
     void open();
     /// Hides the bar and gives the focus back to the editor.

@@ -10,12 +10,12 @@ class TextLabel;
 
 /// Searches in an editor: the text to find, how often it is there, and the way to the next and the previous
 /// place. Hidden until it is opened.
-class FindBar final : public QWidget {
+class CodeSearchBar final : public QWidget {
     Q_OBJECT
 
 public:
     /// The editor outlives the bar.
-    explicit FindBar(CodeEditor& editor, QWidget* parent = nullptr);
+    explicit CodeSearchBar(CodeEditor& editor, QWidget* parent = nullptr);
 
     /// Shows the bar, with what is selected in the editor as the text to find.
     void open();
