@@ -119,6 +119,17 @@ TEST_F(DesktopControlTest, TypesIntoATerminalExactly) {
     EXPECT_EQ(content(QStringLiteral("terminal-saved")).toStdString(), line.toStdString() + "\n");
 }
 
+TEST_F(DesktopControlTest, TypesIntoAnotherToolkitExactly) {
+    const QByteArray output = folder.filePath(QStringLiteral("gtk-saved")).toUtf8();
+    installScript("gtk-target", "exec /usr/bin/python3 -B '" ORVO_GTK_TARGET "' '" + output + "'\n");
+    const RunningApplication target = openInFront("gtk-target");
+    const auto done = type(target, hardLine);
+    ASSERT_TRUE(done) << done.error().message.toStdString();
+    ASSERT_TRUE(press(target, 1, 0x100000));
+    ASSERT_TRUE(waitFor([&] { return !content(QStringLiteral("gtk-saved")).isEmpty(); }));
+    EXPECT_EQ(content(QStringLiteral("gtk-saved")).toStdString(), hardLine.toStdString());
+}
+
 TEST_F(DesktopControlTest, StopsTypingWhenAnotherWindowComesToTheFront) {
     install("typing-target", ORVO_TYPING_TARGET " " + folder.filePath(QStringLiteral("saved")).toUtf8());
     const RunningApplication first = openInFront("typing-target");
