@@ -9,14 +9,15 @@ from home import on_a_project
 
 ASSISTANT = "#!/bin/sh\nexit 1\n"
 
-SCRIPT = "#!/bin/bash\r\n# counts\r\necho old\n"
+SCRIPT = "#!/bin/bash\n# counts\necho old\n"
 
 
 def run_script(program, project):
-    # Mixed ends of lines, a name that the shell would take apart, and a mode that must stay.
+    # A name that the shell would take apart, and a mode that must stay.
     script = project / "it's $(touch hacked) a script.sh"
-    script.write_bytes(SCRIPT.replace("\r\n", "\n").encode())
+    script.write_text(SCRIPT)
     script.chmod(0o755)
+    # Lines of either end.
     (project / "windows.txt").write_bytes(b"one\r\ntwo\nthree\r\n")
 
     program.press("Files & runner")
@@ -44,7 +45,7 @@ def run_script(program, project):
     program.picture("3-edited")
     press_key("ctrl+s")
     wait_for("the saved mark", lambda: not program.all(name="Unsaved changes"))
-    expected = SCRIPT.replace("\r\n", "\n") + "for n in 1 2 3; do\n    echo \"tide $((n * 7))\"\ndone"
+    expected = SCRIPT + "for n in 1 2 3; do\n    echo \"tide $((n * 7))\"\ndone"
     assert script.read_text() == expected, script.read_text()
     assert script.stat().st_mode & 0o777 == 0o755
 
@@ -79,6 +80,9 @@ def run_script(program, project):
     program.press("Execute")
     wait_for("the command's output", lambda: any("free 42" in text_of(t) for t in program.all("terminal")))
     program.picture("6-command")
+    # Away from the terminal, which keeps every control key to itself.
+    program.press("Files & runner")
+    program.click(program.find("text", "Code editor"))
 
 
 if __name__ == "__main__":
