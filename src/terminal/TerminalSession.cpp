@@ -50,7 +50,10 @@ TerminalSession::TerminalSession(QString providerID, QString title, QString comm
         take(request);
     };
     m_nextMark.setSingleShot(true);
-    connect(&m_nextMark, &QTimer::timeout, this, &TerminalSession::refreshMark);
+    connect(&m_nextMark, &QTimer::timeout, this, [this] {
+        refreshMark();
+        if (!m_nextMark.isActive()) m_screen.compact();
+    });
 }
 
 TerminalSession::~TerminalSession() {
@@ -285,6 +288,7 @@ void TerminalSession::finish(int status) {
     m_running = false;
     m_exitCode = status;
     m_attention.ended(std::chrono::steady_clock::now());
+    m_screen.compact();
 
     const QPointer<TerminalSession> alive(this);
     refreshMark();

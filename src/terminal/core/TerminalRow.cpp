@@ -24,8 +24,21 @@ bool isTrimmed(const TerminalCell& cell) {
 
 void TerminalRow::storeBlanks(int end) const {
     if (m_filled >= end) return;
+    if (std::cmp_less(m_cells.size(), width())) makeRoom();
     std::fill(m_cells.begin() + m_filled, m_cells.begin() + end, blankCell);
     m_filled = end;
+}
+
+void TerminalRow::makeRoom() const {
+    m_cells.resize(static_cast<std::size_t>(width()));
+}
+
+void TerminalRow::shrink() {
+    if (std::cmp_less_equal(m_cells.capacity(), m_filled)) return;
+    forgetUnusedClusters();
+    m_cells.resize(static_cast<std::size_t>(m_filled));
+    m_cells.shrink_to_fit();
+    m_clusters.shrink_to_fit();
 }
 
 void TerminalRow::appendText(std::string& text, const TerminalCell& cell) const {
@@ -59,8 +72,7 @@ std::string TerminalRow::plainText() const {
 }
 
 void TerminalRow::clear(int width, std::uint64_t stamp) {
-    if (std::cmp_less(m_cells.size(), width)) m_cells.resize(static_cast<std::size_t>(width));
-    m_width = width;
+    keepWidth(width);
     m_filled = 0;
     m_wrapped = false;
     m_stamp = stamp;
@@ -68,9 +80,8 @@ void TerminalRow::clear(int width, std::uint64_t stamp) {
 }
 
 void TerminalRow::setWidth(int width, std::uint64_t stamp) {
-    if (width == m_width) return;
-    if (std::cmp_less(m_cells.size(), width)) m_cells.resize(static_cast<std::size_t>(width));
-    m_width = width;
+    if (width == this->width()) return;
+    keepWidth(width);
     m_filled = std::min(m_filled, width);
     m_wrapped = false;
     m_stamp = stamp;
@@ -80,7 +91,7 @@ void TerminalRow::cutTrailingBlanks() {
     while (m_filled > 0 && m_cells[static_cast<std::size_t>(m_filled - 1)] == blankCell) {
         --m_filled;
     }
-    m_width = m_filled;
+    keepWidth(m_filled);
 }
 
 bool TerminalRow::join(int column, char32_t scalar, std::uint64_t stamp) {
@@ -110,7 +121,7 @@ void TerminalRow::markExtras(std::vector<bool>& used) const {
 
 std::u32string& TerminalRow::clusterOf(TerminalCell& cell) {
     if (holdsCluster(cell)) return m_clusters[cell.content];
-    if (m_clusters.size() >= 2 * static_cast<std::size_t>(m_width)) forgetUnusedClusters();
+    if (m_clusters.size() >= 2 * static_cast<std::size_t>(width())) forgetUnusedClusters();
     std::u32string& cluster = m_clusters.emplace_back();
     if (!cell.continuation()) cluster.push_back(cell.content);
     cell.content = static_cast<std::uint32_t>(m_clusters.size() - 1);
@@ -129,8 +140,8 @@ void TerminalRow::forgetUnusedClusters() {
 }
 
 void TerminalRow::erase(int first, int end, const TerminalCell& blank, std::uint64_t stamp) {
-    end = std::min(end, m_width);
-    if (end == m_width) m_wrapped = false;
+    end = std::min(end, width());
+    if (end == width()) m_wrapped = false;
     if (blank == blankCell) {
         if (first >= m_filled) return;
         if (end >= m_filled) {
@@ -143,18 +154,18 @@ void TerminalRow::erase(int first, int end, const TerminalCell& blank, std::uint
 }
 
 void TerminalRow::insertCells(int column, int count, const TerminalCell& blank, std::uint64_t stamp) {
-    count = std::min(count, m_width - column);
+    count = std::min(count, width() - column);
     if (count <= 0 || (column >= m_filled && blank == blankCell)) return;
-    const int moved = std::max(0, std::min(m_filled, m_width - count) - column);
+    const int moved = std::max(0, std::min(m_filled, width() - count) - column);
     TerminalCell* const cells = overwrite(column, count + moved, stamp);
     std::copy_backward(cells, cells + moved, cells + moved + count);
     std::fill_n(cells, count, blank);
 }
 
 void TerminalRow::removeCells(int column, int count, const TerminalCell& blank, std::uint64_t stamp) {
-    count = std::min(count, m_width - column);
+    count = std::min(count, width() - column);
     if (count <= 0 || (column >= m_filled && blank == blankCell)) return;
-    if (blank != blankCell) storeBlanks(m_width);
+    if (blank != blankCell) storeBlanks(width());
     const int moved = std::max(0, m_filled - column - count);
     const auto cells = m_cells.begin() + column;
     std::copy(cells + count, cells + count + moved, cells);
@@ -164,8 +175,7 @@ void TerminalRow::removeCells(int column, int count, const TerminalCell& blank, 
 }
 
 bool TerminalRow::consistent() const {
-    if (m_width < 0 || m_filled < 0 || m_filled > m_width || std::cmp_less(m_cells.size(), m_width))
-        return false;
+    if (m_filled < 0 || m_filled > width() || std::cmp_less(m_cells.size(), m_filled)) return false;
     if (m_clusters.size() > 2 * std::max<std::size_t>(1, m_cells.size())) return false;
     return std::ranges::all_of(std::span(m_cells.data(), static_cast<std::size_t>(m_filled)),
                                [this](const auto& cell) {

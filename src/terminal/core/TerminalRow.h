@@ -17,8 +17,8 @@ namespace orvo {
 class TerminalRow {
 public:
     std::span<const TerminalCell> cells() const {
-        storeBlanks(m_width);
-        return {m_cells.data(), static_cast<std::size_t>(m_width)};
+        storeBlanks(width());
+        return {m_cells.data(), static_cast<std::size_t>(width())};
     }
     /// UTF-8 text of one cell: a scalar with its marks, " " when blank, "" for a continuation cell.
     std::string text(int column) const;
@@ -32,7 +32,7 @@ public:
     /// memory.
     static constexpr std::size_t longestCluster = 32;
 
-    int width() const { return m_width; }
+    int width() const { return static_cast<int>(m_width); }
     /// Whether the text goes on in the next line because it did not fit.
     bool wrapped() const { return m_wrapped; }
     void setWrapped() { m_wrapped = true; }
@@ -49,9 +49,12 @@ public:
     /// Cuts the row, or lengthens it with blank cells.
     void setWidth(int width, std::uint64_t stamp);
     void cutTrailingBlanks();
+    /// Gives memory back that the row does not need as long as it is not written.
+    void shrink();
 
     /// The cells from `column` on, of which the caller writes all `count`; they must lie within the width.
     TerminalCell* overwrite(int column, int count, std::uint64_t stamp) {
+        if (m_cells.size() < static_cast<std::size_t>(m_width)) makeRoom();
         if (column > m_filled) storeBlanks(column);
         m_filled = std::max(m_filled, column + count);
         m_stamp = stamp;
@@ -75,19 +78,25 @@ public:
 
 private:
     void storeBlanks(int end) const;
+    void makeRoom() const;
+    void keepWidth(int width) { m_width = static_cast<unsigned>(width) & 0x7FFF'FFFFu; }
     void appendText(std::string& text, const TerminalCell& cell) const;
     std::u32string& clusterOf(TerminalCell& cell);
     void forgetUnusedClusters();
 
     // Cells from m_filled on are blank, and are stored only when somebody asks for them: most lines are
-    // short, and the greater part of a flood is never looked at. That is why reading may write here.
+    // short, and the greater part of a flood is never looked at. That is why reading may write here. There
+    // may be room for fewer than the width until a cell is written.
     mutable std::vector<TerminalCell> m_cells;
     mutable int m_filled = 0;
-    int m_width = 0;
-    bool m_wrapped = false;
+    // Together, so that a row is one cache line.
+    unsigned m_width : 31 = 0;
+    bool m_wrapped : 1 = false;
     std::uint64_t m_stamp = 0;
     // Overwritten clusters stay until the table is twice as long as the row can need.
     std::vector<std::u32string> m_clusters;
 };
+
+static_assert(sizeof(TerminalRow) == 64);
 
 }  // namespace orvo

@@ -10,17 +10,27 @@
 namespace orvo {
 namespace {
 
-/// Writes one cell a byte. Cells are put together as vectors, because a store of 16 bytes is four times as
-/// fast as one a member.
-void writeAscii(TerminalCell* cells, std::string_view text, TerminalCell style) {
-    using Vector = std::uint32_t __attribute__((vector_size(sizeof(TerminalCell))));
-    static_assert(offsetof(TerminalCell, content) == 0);
-    Vector cell;
-    std::memcpy(&cell, &style, sizeof cell);
+// Cells are put together as vectors, because a store of 16 bytes is four times as fast as one a member.
+using CellVector = std::uint32_t __attribute__((vector_size(sizeof(TerminalCell))));
+static_assert(offsetof(TerminalCell, content) == 0);
+
+CellVector vectorOf(const TerminalCell& cell) {
+    CellVector vector;
+    std::memcpy(&vector, &cell, sizeof vector);
+    return vector;
+}
+
+void store(TerminalCell* target, const CellVector& cell) {
+    void* const place = target;
+    std::memcpy(place, &cell, sizeof cell);
+}
+
+/// Writes one cell a byte.
+void writeAscii(TerminalCell* cells, std::string_view text, const TerminalCell& style) {
+    CellVector cell = vectorOf(style);
     for (const char byte : text) {
         cell[0] = static_cast<unsigned char>(byte);
-        void* const target = cells++;
-        std::memcpy(target, &cell, sizeof cell);
+        store(cells++, cell);
     }
 }
 
@@ -100,12 +110,14 @@ inline void TerminalScreen::put(char32_t scalar, int width) {
     TerminalRow& line = cursorLine();
     if (m_modes.insert) line.insertCells(m_cursor.column, fitting, blank(), nextStamp());
     TerminalCell* const cells = line.overwrite(m_cursor.column, fitting, nextStamp());
-    cells[0] = m_style.cell;
-    cells[0].content = scalar;
+    CellVector cell = vectorOf(m_style.cell);
+    cell[0] = scalar;
+    store(cells, cell);
     if (fitting == 2) {
-        cells[1] = m_style.cell;
-        cells[1].content = 0;
-        cells[1].attributes |= TerminalCell::Continuation;
+        TerminalCell second = m_style.cell;
+        second.content = 0;
+        second.attributes |= TerminalCell::Continuation;
+        store(cells + 1, vectorOf(second));
     }
     m_lastPrinted = scalar;
     advance(width);

@@ -65,6 +65,8 @@ public:
 
     /// At least 3 rows and 10 columns; smaller requests are raised to these.
     void resize(int rows, int columns);
+    /// Gives memory back that a flood has left behind. Worth it when the program has become quiet.
+    void compact();
     /// Clears the visible screen and homes the cursor; scrollback and modes stay.
     void reset();
 

@@ -50,6 +50,12 @@ void TerminalScreen::reset() {
     useWholeRegion();
 }
 
+void TerminalScreen::compact() {
+    for (int index = 0; index < scrollbackCount(); ++index) {
+        m_scrollback.line(index)->shrink();
+    }
+}
+
 void TerminalScreen::resize(int rows, int columns) {
     rows = std::max(rows, fewestRows);
     columns = std::max(columns, fewestColumns);

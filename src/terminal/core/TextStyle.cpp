@@ -8,15 +8,19 @@
 namespace orvo {
 namespace {
 
-constexpr std::array<std::string_view, 16> namedColors = {
-    "182538", "F4808A", "83DFC0", "F6D28B", "7AAAF7", "C5A0EF", "62DCDD", "D7E2EF",
-    "6B819A", "FFA0A8", "A2EECF", "FFE7B0", "A1C1FF", "DABEFF", "9AEFF0", "FFFFFF",
+constexpr std::array<std::uint32_t, 16> namedColors = {
+    0x182538, 0xF4808A, 0x83DFC0, 0xF6D28B, 0x7AAAF7, 0xC5A0EF, 0x62DCDD, 0xD7E2EF,
+    0x6B819A, 0xFFA0A8, 0xA2EECF, 0xFFE7B0, 0xA1C1FF, 0xDABEFF, 0x9AEFF0, 0xFFFFFF,
 };
 
 constexpr std::array<std::uint8_t, 6> cubeLevels = {0, 95, 135, 175, 215, 255};
 
-Rgb computeColor(int number) {
-    if (number < 16) return colorFromHex(namedColors[static_cast<std::size_t>(number)]);
+constexpr Rgb computeColor(int number) {
+    if (number < 16) {
+        const std::uint32_t color = namedColors[static_cast<std::size_t>(number)];
+        return {static_cast<std::uint8_t>(color >> 16), static_cast<std::uint8_t>(color >> 8),
+                static_cast<std::uint8_t>(color)};
+    }
     if (number < 232) {
         const auto level = [cube = number - 16](int divisor) {
             return cubeLevels[static_cast<std::size_t>(cube / divisor % 6)];
@@ -26,6 +30,14 @@ Rgb computeColor(int number) {
     const auto grey = static_cast<std::uint8_t>(std::min(8 + 10 * (number - 232), 255));
     return {grey, grey, grey};
 }
+
+constexpr std::array<CellColor, 256> indexedColors = [] {
+    std::array<CellColor, 256> colors;
+    for (int index = 0; index < 256; ++index) {
+        colors[static_cast<std::size_t>(index)] = CellColor(computeColor(index));
+    }
+    return colors;
+}();
 
 std::uint8_t component(int parameter) {
     return static_cast<std::uint8_t>(std::min(parameter, 255));
@@ -199,14 +211,7 @@ void applyParameters(TextStyle& style, std::span<const int> parameters) {
 }  // namespace
 
 CellColor indexedColor(int number) {
-    static const auto table = [] {
-        std::array<CellColor, 256> colors;
-        for (int index = 0; index < 256; ++index) {
-            colors[static_cast<std::size_t>(index)] = CellColor(computeColor(index));
-        }
-        return colors;
-    }();
-    if (number < 256) return table[static_cast<std::size_t>(number)];
+    if (number < 256) return indexedColors[static_cast<std::size_t>(number)];
     return CellColor(computeColor(number));
 }
 

@@ -1,0 +1,88 @@
+#include "terminal/core/TerminalScreen.h"
+
+#include <gtest/gtest.h>
+
+#include <malloc.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace orvo::test {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool counts = false;
+#else
+constexpr bool counts = true;
+#endif
+
+std::size_t allocated() {
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+/// MiB that a screen holds after it was filled.
+double mebibytes(int rows, int columns, const std::function<void(TerminalScreen&)>& fill) {
+    const std::size_t before = allocated();
+    const auto screen = std::make_unique<TerminalScreen>(rows, columns);
+    fill(*screen);
+    screen->compact();
+    screen->assertInvariants();
+    const double used = static_cast<double>(allocated() - before) / (1 << 20);
+    return used;
+}
+
+TEST(ScreenMemory, ASessionHoldsWhatItsTextNeeds) {
+    if (!counts) GTEST_SKIP() << "a sanitizer's allocator does not tell";
+    EXPECT_LE(mebibytes(50, 200, [](TerminalScreen&) {}), 0.15);
+    EXPECT_LE(mebibytes(50, 200,
+                        [](TerminalScreen& screen) {
+                            std::string line;
+                            for (int column = 0; column < 200; ++column)
+                                line += "\x1B[38;5;" + std::to_string(column) + "m█";
+                            for (int count = 0; count < 4500; ++count)
+                                screen.feed(line + "\r\n");
+                        }),
+              6.6);
+    // 40 of 200 columns are used.
+    EXPECT_LE(mebibytes(50, 200,
+                        [](TerminalScreen& screen) {
+                            for (int count = 0; count < 4500; ++count)
+                                screen.feed(std::string(40, 'x') + "\r\n");
+                        }),
+              2.0);
+}
+
+TEST(ScreenMemory, FloodsAreBounded) {
+    if (!counts) GTEST_SKIP() << "a sanitizer's allocator does not tell";
+    EXPECT_LE(mebibytes(24, 80,
+                        [](TerminalScreen& screen) {
+                            screen.feed("\x1B]2;");
+                            for (int count = 0; count < 64; ++count)
+                                screen.feed(std::string(1 << 16, 'x'));
+                        }),
+              1.0)
+        << "a string without end";
+    EXPECT_LE(mebibytes(24, 80,
+                        [](TerminalScreen& screen) {
+                            for (int count = 0; count < 20'000; ++count)
+                                screen.feed("e\u0301\u0302\u0303\u0304");
+                            for (int count = 0; count < 2'000; ++count)
+                                screen.feed("x\x1B[1000000b");
+                        }),
+              4.0)
+        << "marks and repetitions";
+    EXPECT_LE(mebibytes(24, 80,
+                        [](TerminalScreen& screen) {
+                            for (int count = 0; count < 3'000; ++count) {
+                                screen.resize(3 + count % 90, 10 + count * 7 % 400);
+                                screen.feed("some text that is longer than ten columns\r\n");
+                            }
+                        }),
+              12.0)
+        << "resizes";
+}
+
+}  // namespace
+}  // namespace orvo::test
