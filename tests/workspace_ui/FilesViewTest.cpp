@@ -168,8 +168,18 @@ TEST_F(FilesViewTest, FindsAndGoesToLines) {
     EXPECT_EQ(editor().textCursor().selectedText(), text("Two"));
     press(text("Previous match"));
     EXPECT_EQ(editor().textCursor().selectedText(), text("two"));
-    QTest::keyClicks(field, text("x"));
+    // The search stays open while texts come and go.
+    writeFile(m_project.child("other.py"), "no 2");
+    press(text("Reload"));
+    click("other.py");
     EXPECT_TRUE(shows(screen(), text("No matches")));
+    click("main.py");
+    EXPECT_TRUE(shows(screen(), text("2 matches")));
+    editor().selectAll();
+    QTest::keyClick(&editor(), Qt::Key_Delete);
+    EXPECT_TRUE(shows(screen(), text("No matches")));
+    editor().undo();
+    EXPECT_TRUE(shows(screen(), text("2 matches")));
     QTest::keyClick(field, Qt::Key_Escape);
     EXPECT_FALSE(field->isVisible());
 

@@ -20,11 +20,13 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <algorithm>
 #include <array>
@@ -213,7 +215,8 @@ private:
     QWidget* named(const char* name) {
         for (QWidget* const widget : m_application->window()->findChildren<QWidget*>()) {
             const auto* const interface = QAccessible::queryAccessibleInterface(widget);
-            if (widget->isVisible() && interface && interface->text(QAccessible::Name) == QLatin1String(name))
+            if (widget->isVisible() && interface &&
+                interface->text(QAccessible::Name) == QString::fromUtf8(name))
                 return widget;
         }
         std::fprintf(stderr, "nothing is named \"%s\"\n", name);
@@ -221,6 +224,11 @@ private:
     }
     void press(const char* name) {
         if (auto* const button = qobject_cast<QAbstractButton*>(named(name))) button->click();
+    }
+
+    /// As a press of the key would reach a widget of the active window, shortcuts first.
+    static void pressKey(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(&widget, key, modifiers);
     }
 
     void takeFiles() {
@@ -239,7 +247,29 @@ private:
         take("files-runner-open");
         workspace().files().setEditorText(workspace().files().editorText() + QStringLiteral("# more\n"));
         take("files-runner-edited");
-        (void)workspace().files().saveFile();
+        if (auto* const editor = qobject_cast<QPlainTextEdit*>(named("Code editor"))) {
+            editor->setFocus();
+            QTextCursor cursor = editor->textCursor();
+            cursor.setPosition(120);
+            cursor.setPosition(330, QTextCursor::KeepAnchor);
+            editor->setTextCursor(cursor);
+            take("files-runner-selected");
+            cursor.setPosition(0);
+            editor->setTextCursor(cursor);
+            pressKey(*editor, Qt::Key_F, Qt::ControlModifier);
+            if (auto* const field = qobject_cast<QLineEdit*>(named("Find in file…"))) {
+                field->setText(QStringLiteral("table"));
+                pressKey(*field, Qt::Key_Return, Qt::NoModifier);
+            }
+        }
+        QFile onDisk(project.filePath(QStringLiteral("next_tide.py")));
+        if (onDisk.open(QIODevice::WriteOnly)) onDisk.write("pass\n");
+        onDisk.close();
+        (void)test::waitFor([this] { return workspace().files().onDisk() == ProjectFiles::OnDisk::Changed; });
+        take("files-runner-changed-find");
+        m_dialogs.answer(QStringLiteral("Discard"));
+        workspace().files().openFile({workspace().folder()->child("Makefile"), false});
+        press("Close search");
     }
 
     // A run in which one assistant still works, one has finished and one has failed.

@@ -123,6 +123,11 @@ void CodeEditor::recolor() {
     Q_EMIT textShown();
 }
 
+// While the document changes, it asks for paint and moves the cursor before it tells of the change.
+bool CodeEditor::isBehind() const {
+    return textCursor().isNull() || document()->characterCount() - 1 != m_text.lines().size();
+}
+
 template <class Visit>
 void CodeEditor::visitVisibleBlocks(Visit visit) const {
     QTextBlock block = firstVisibleBlock();
@@ -134,9 +139,7 @@ void CodeEditor::visitVisibleBlocks(Visit visit) const {
 }
 
 void CodeEditor::colorVisibleBlocks() {
-    // While the document changes, it asks for paint before it tells of the change.
-    const bool isBehind = document()->characterCount() - 1 != m_text.lines().size();
-    if (m_updating || isBehind) return;
+    if (m_updating || isBehind()) return;
     const QScopedValueRollback updating(m_updating, true);
     visitVisibleBlocks([this](const QTextBlock& block, double) {
         if (m_highlighter.color(block)) document()->markContentsDirty(block.position(), block.length() - 1);
@@ -214,7 +217,7 @@ bool CodeEditor::find(const QString& text, Search search) {
     const QString& lines = m_text.lines();
     const qsizetype start = textCursor().selectionStart();
     qsizetype found = -1;
-    if (text.isEmpty()) return false;
+    if (text.isEmpty() || isBehind()) return false;
     if (search == Search::Previous) {
         if (start > 0) found = lines.lastIndexOf(text, start - 1, Qt::CaseInsensitive);
         if (found < 0) found = lines.lastIndexOf(text, -1, Qt::CaseInsensitive);
@@ -232,7 +235,7 @@ bool CodeEditor::find(const QString& text, Search search) {
 }
 
 CodeEditor::Matches CodeEditor::matches(const QString& text) const {
-    if (text.isEmpty()) return {};
+    if (text.isEmpty() || isBehind()) return {};
     const QStringView lines(m_text.lines());
     const QTextCursor cursor = textCursor();
     const QStringView selected =
@@ -244,6 +247,7 @@ CodeEditor::Matches CodeEditor::matches(const QString& text) const {
 }
 
 void CodeEditor::setSearched(const QString& text) {
+    if (isBehind()) return;
     QList<QTextEdit::ExtraSelection> places;
     const QString& lines = m_text.lines();
     const QColor mark = toQColor(rolesOf(this).selected);

@@ -96,6 +96,8 @@ protected:
 
 private:
     QString shownLines() const;
+    /// Whether the document has changed and `m_text` is not that far yet.
+    bool isBehind() const;
     void adoptEdit();
     void recolor();
     void colorVisibleBlocks();
