@@ -1,3 +1,3 @@
-#!/bin/zsh
+#!/bin/bash
 # One line about the notes.
-print "$(wc -l < notes.txt | tr -d ' ') notes, last changed $(date -r notes.txt '+%d %B %Y')"
+printf '%s notes, last changed %s\n' "$(wc -l < notes.txt | tr -d ' ')" "$(date -r notes.txt '+%d %B %Y')"

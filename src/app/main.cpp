@@ -5,6 +5,7 @@
 #include "app/TerminationSignals.h"
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
+#include "app/self_test/SelfTest.h"
 #include "appearance/controls/AlertSheet.h"
 #include "history/HistoryInbox.h"
 #include "platform/AppFolders.h"
@@ -172,6 +173,7 @@ int main(int argc, char** argv) {
             std::printf("Orvo AI %s\n", qUtf8Printable(versionText()));
             return 0;
         case Options::Request::SelfTest:
+            return runSelfTest(argc, argv, options->testOutput);
         case Options::Request::Window:
             break;
     }

@@ -1,0 +1,148 @@
+"""Runs of the real program that need no window. Usage: program_runs.py PROGRAM [TEST...]"""
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM = ""
+MARKERS = ("PELK_TESTS_PASSED", "PELK_TESTS_FAILED")
+
+
+class ProgramRun(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+        self.home = self.root / "home"
+        self.home.mkdir()
+        (self.home / ".zshrc").touch()
+        self.temporary = self.root / "tmp"
+        self.temporary.mkdir()
+        self.environment = {
+            "HOME": str(self.home), "PATH": "/usr/bin:/bin", "LANG": "C.UTF-8", "TMPDIR": str(self.temporary),
+            "XDG_CONFIG_HOME": str(self.root / "config"), "XDG_DATA_HOME": str(self.root / "data"),
+            "XDG_RUNTIME_DIR": str(self.root / "run"),
+        }
+        (self.root / "run").mkdir(mode=0o700)
+
+    def run_program(self, *arguments, **more):
+        return subprocess.run([PROGRAM, *arguments], env={**self.environment, **more}, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=100, cwd=self.root)
+
+    def files_below(self, folder):
+        return sorted(str(path.relative_to(folder)) for path in folder.rglob("*")) if folder.exists() else []
+
+
+class SelfTest(ProgramRun):
+    def assert_outcome(self, done, marker, status):
+        lines = done.stdout.splitlines()
+        self.assertEqual([line for line in lines if line in MARKERS], [marker], done.stdout + done.stderr)
+        self.assertEqual(lines[-1], marker)
+        for line in lines[:-1]:
+            self.assertRegex(line, "^(PASS|FAIL) .", "one line a check and nothing else")
+        self.assertEqual(done.returncode, status)
+        return lines[:-1]
+
+    def test_passes_and_leaves_only_its_report(self):
+        start = time.monotonic()
+        done = self.run_program("--self-test", "--test-output", "report")
+        self.assertLess(time.monotonic() - start, 60)
+        lines = self.assert_outcome(done, "PELK_TESTS_PASSED", 0)
+        report = (self.root / "report/Verification.md").read_text()
+        self.assertTrue(report.startswith("# Orvo verification\n\n"))
+        self.assertTrue(report.rstrip("\n").split("\n\n")[-1].startswith("No model requests were made."))
+        for line in lines[:-1]:
+            self.assertIn(line, report)
+        self.assertNotIn(str(self.home), report)
+        self.assertEqual(self.files_below(self.root / "report"), ["Verification.md"])
+        self.assertEqual(self.files_below(self.temporary), [], "working folders are removed")
+        for folder in ("config", "data", "run"):
+            self.assertEqual(self.files_below(self.root / folder), [], "nothing is kept")
+
+    def test_reports_below_the_temporary_folder_without_another(self):
+        self.assert_outcome(self.run_program("--self-test"), "PELK_TESTS_PASSED", 0)
+        self.assertEqual(self.files_below(self.temporary), ["Orvo-tests", "Orvo-tests/Verification.md"])
+
+    def test_fails_when_no_temporary_folder_can_be_made(self):
+        self.temporary.rmdir()
+        self.temporary.touch()
+        done = self.run_program("--self-test", "--test-output", "report")
+        lines = self.assert_outcome(done, "PELK_TESTS_FAILED", 1)
+        self.assertIn("FAIL A login shell starts in a pseudo-terminal", lines)
+        self.assertIn("orvo: A login shell starts in a pseudo-terminal: ", done.stderr)
+
+    def test_fails_when_the_shell_does_not_come_up(self):
+        # Start-up files that end the shell, as a broken set-up does.
+        (self.home / ".zshenv").write_text("exit 3\n")
+        lines = self.assert_outcome(self.run_program("--self-test", "--test-output", "report"), "PELK_TESTS_FAILED", 1)
+        self.assertIn("FAIL A login shell starts in a pseudo-terminal", lines)
+        self.assertIn("PASS Preferences survive a restart", lines, "the other checks are made all the same")
+        self.assertIn("(exit status 3", (self.root / "report/Verification.md").read_text())
+
+    def test_fails_when_the_report_cannot_be_written(self):
+        (self.root / "report").touch()
+        done = self.run_program("--self-test", "--test-output", "report")
+        lines = self.assert_outcome(done, "PELK_TESTS_FAILED", 1)
+        self.assertEqual([line for line in lines if line.startswith("FAIL")], ["FAIL The report is written"])
+
+
+class Arguments(ProgramRun):
+    def test_wrong_ones_are_refused_with_a_sentence(self):
+        for arguments, sentence in (
+                (["--frobnicate"], "There is no option --frobnicate."),
+                (["--workspace"], "Name a folder after --workspace."),
+                (["one", "two"], "Name only one project folder.")):
+            with self.subTest(arguments):
+                done = self.run_program(*arguments)
+                self.assertEqual((done.returncode, done.stdout), (2, ""))
+                self.assertEqual(done.stderr, f'orvo: {sentence} Try "orvo --help".\n')
+
+    def test_help_and_version_need_no_display(self):
+        version = self.run_program("--version")
+        self.assertEqual((version.returncode, version.stderr), (0, ""))
+        self.assertRegex(version.stdout, r"^Orvo AI \d+\.\d+\.\d+\n$")
+        usage = self.run_program("--help")
+        self.assertEqual((usage.returncode, usage.stderr), (0, ""))
+        for option in ("--self-test", "--test-output", "--capture", "--workspace", "--help", "--version"):
+            self.assertIn(f"  {option} ", usage.stdout)
+        self.assertEqual(self.files_below(self.root / "config"), [])
+
+    def test_without_a_display_a_window_is_refused(self):
+        done = self.run_program()
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertEqual(done.stderr, "orvo: There is no display to open a window on. Try orvoctl.\n")
+
+
+class Capture(ProgramRun):
+    PAGES = ["Appearance.png", "Assistants.png", "Files & runner.png", "Mac actions.png", "Settings.png",
+             "Workspace.png"]
+
+    def test_writes_six_pictures_and_keeps_nothing(self):
+        pictures = self.root / "deep/pictures"
+        done = self.run_program("--capture", str(pictures), QT_QPA_PLATFORM="offscreen")
+        self.assertEqual((done.returncode, done.stdout), (0, ""), done.stderr)
+        self.assertEqual(self.files_below(pictures), self.PAGES)
+        contents = [(pictures / page).read_bytes() for page in self.PAGES]
+        for content in contents:
+            self.assertEqual(content[:8], b"\x89PNG\r\n\x1a\n")
+            self.assertGreaterEqual(int.from_bytes(content[16:20], "big"), 1180, "width of the window's content")
+        self.assertEqual(len(set(contents)), len(contents), "each page has a picture of its own")
+        for folder in ("config", "data", "run", "tmp"):
+            self.assertEqual(self.files_below(self.root / folder), [])
+
+    def test_says_what_cannot_be_written_and_goes_on(self):
+        (self.root / "file").touch()
+        done = self.run_program("--capture", "file", QT_QPA_PLATFORM="offscreen")
+        self.assertEqual(done.returncode, 0)
+        lines = done.stdout.splitlines()
+        self.assertEqual(len(lines), 6)
+        for line in lines:
+            self.assertTrue(line.startswith("Capture error: "), line)
+
+
+if __name__ == "__main__":
+    PROGRAM = sys.argv.pop(1)
+    unittest.main()
