@@ -41,7 +41,7 @@ private:
     bool runPosted();
     void runDueTimers();
     void waitAndDispatch();
-    int timeout() const;
+    int timeout();
     void wakeUp() const;
 
     const int m_wake;
@@ -113,8 +113,13 @@ void SerialQueue::Loop::runDueTimers() {
 }
 
 /// Milliseconds until the next timer, rounded up; -1 without one.
-int SerialQueue::Loop::timeout() const {
+int SerialQueue::Loop::timeout() {
     using namespace std::chrono;
+    {
+        // The wake-up for it may have been taken together with that for the last work.
+        const std::lock_guard lock(m_mutex);
+        if (m_leaving) return 0;
+    }
     if (m_timers.empty()) return -1;
     const auto left = ceil<milliseconds>(m_timers.begin()->first - steady_clock::now());
     return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));

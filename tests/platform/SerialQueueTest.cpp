@@ -56,6 +56,17 @@ TEST(SerialQueue, ReleasingItRunsWhatWasPostedAndDropsItsTimers) {
     EXPECT_EQ(ran, 100);
 }
 
+TEST(SerialQueue, ReleasingItWhileItWakesUpForItsLastWorkEndsItsThread) {
+    // One wake-up may stand for the work and the release: the thread must not go to sleep after the work.
+    std::atomic<int> ran = 0;
+    for (int i = 0; i < 3'000; ++i) {
+        auto queue = SerialQueue::create("orvo.test");
+        queue->sync([] {});
+        queue->async([&ran] { ++ran; });
+    }
+    EXPECT_EQ(ran, 3'000);
+}
+
 TEST(SerialQueue, ItsOwnWorkMayReleaseTheLastReference) {
     const auto released = std::make_shared<std::atomic<bool>>(false);
     auto queue = SerialQueue::create("orvo.test");
