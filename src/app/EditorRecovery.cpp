@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <utility>
 
 #include <unistd.h>
 
@@ -63,25 +64,48 @@ QByteArray freshName() {
 }  // namespace
 
 EditorRecovery::EditorRecovery(ProjectFiles& files, FilePath folder)
-    : m_files(files), m_folder(std::move(folder)) {}
+    : m_files(files), m_folder(std::move(folder)), m_queue(SerialQueue::create("orvo.recovery")) {}
+
+const FilePath& EditorRecovery::place() {
+    if (!m_kept) m_kept = m_folder.child(freshName());
+    return *m_kept;
+}
+
+std::function<Result<void>()> EditorRecovery::writer() {
+    const UnsavedText unsaved{
+        .file = m_files.selectedFile(), .savedText = m_files.savedText(), .text = m_files.editorText()};
+    return [unsaved, folder = m_folder, file = place()]() -> Result<void> {
+        if (Result<void> created = createPrivateFolder(folder); !created) return created;
+        return saveAtomically(file, encoded(unsaved));
+    };
+}
 
 Result<void> EditorRecovery::keep() {
     if (!m_files.fileIsDirty()) {
         forget();
         return {};
     }
-    if (Result<void> created = createPrivateFolder(m_folder); !created) return created;
-    const FilePath file = m_kept.value_or(m_folder.child(freshName()));
-    Result<void> saved = saveAtomically(file, encoded({.file = m_files.selectedFile(),
-                                                       .savedText = m_files.savedText(),
-                                                       .text = m_files.editorText()}));
-    if (saved) m_kept = file;
-    return saved;
+    const auto write = writer();
+    if (!m_queue) return write();
+    Result<void> written;
+    m_queue->sync([&] { written = write(); });
+    return written;
+}
+
+void EditorRecovery::keepSoon() {
+    if (!m_files.fileIsDirty())
+        forget();
+    else if (m_queue)
+        m_queue->async([write = writer()] { (void)write(); });
 }
 
 void EditorRecovery::forget() {
-    if (m_kept) removeFile(*m_kept);
-    m_kept.reset();
+    const auto kept = std::exchange(m_kept, std::nullopt);
+    if (!kept) return;
+    if (m_queue)
+        m_queue->sync([&kept] { removeFile(*kept); });
+    else
+        removeFile(*kept);
 }
 
 bool EditorRecovery::offer(Dialogs& dialogs) {
@@ -108,6 +132,8 @@ bool EditorRecovery::offer(Dialogs& dialogs) {
             // Somebody may have begun to type while the question stood.
             if (!m_files.confirmDiscard()) return false;
             m_files.restoreUnsaved(unsaved->file, unsaved->savedText, unsaved->text);
+            // At no moment is the text in memory alone.
+            if (!keep()) return true;
         }
         removeFile(file);
         if (answer == Restore) return true;

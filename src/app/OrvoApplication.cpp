@@ -21,6 +21,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 namespace orvo {
 namespace {
@@ -30,6 +31,9 @@ using namespace std::chrono_literals;
 // Time for detection and first layout before the first picture, and for a page to settle before its own.
 constexpr auto captureDelay = 1000ms;
 constexpr auto capturePageDelay = 800ms;
+
+// What a fault may cost of the editor's text, in time of typing.
+constexpr auto keepInterval = 3s;
 
 constexpr std::array capturedPages = {Destination::Workspace, Destination::Agents, Destination::Appearance,
                                       Destination::Mac,       Destination::Files,  Destination::Settings};
@@ -46,6 +50,7 @@ OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options opti
       m_workspace(services),
       m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop, services.clock,
                                                          m_places.folders.applicationData("Computer plans"))),
+      m_crashReports(m_places.crashReports()),
       m_recovery(m_workspace.files(), m_places.folders.applicationData("Recovery")) {}
 
 OrvoApplication::~OrvoApplication() {
@@ -76,8 +81,12 @@ void OrvoApplication::launch() {
     showMainWindow();
     runErrand(m_options.errand);
     if (m_options.capture) capturePages();
+    if (isTransient()) return;
     // Once the event loop runs: the question must not hold up the start.
-    if (!isTransient()) m_services.clock.after(0ms, this, [this] { offerUnsavedText(); });
+    m_services.clock.after(0ms, this, [this] { tellOfTheLastRun(); });
+    for (const auto change : {&ProjectFiles::editorTextChanged, &ProjectFiles::savedTextChanged}) {
+        connect(&m_workspace.files(), change, this, &OrvoApplication::keepUnsavedTextSoon);
+    }
 }
 
 void OrvoApplication::openFirstProject() {
@@ -119,6 +128,8 @@ void OrvoApplication::serve(const StartRequest& request) {
     // The desktop lets a window come to the front for the token of the start that asked for it.
     if (!request.activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
     showMainWindow();
+    // It is not for the programs that are started from here.
+    qunsetenv("XDG_ACTIVATION_TOKEN");
     // A question stands already, about quitting or for an earlier request: the person sees it now.
     if (m_quitting || m_serving) return;
     const QScopedValueRollback serving(m_serving, true);
@@ -129,8 +140,19 @@ void OrvoApplication::serve(const StartRequest& request) {
     runErrand(request.errand);
 }
 
-void OrvoApplication::offerUnsavedText() {
+void OrvoApplication::tellOfTheLastRun() {
+    m_crashReports.tell(m_services.dialogs, m_services.launcher);
     if (m_recovery.offer(m_services.dialogs)) m_workspace.setDestination(Destination::Files);
+}
+
+void OrvoApplication::keepUnsavedTextSoon() {
+    // What was saved or given up need not wait.
+    if (!m_workspace.files().fileIsDirty()) return m_recovery.forget();
+    if (std::exchange(m_keepDue, true)) return;
+    m_services.clock.after(keepInterval, this, [this] {
+        m_keepDue = false;
+        if (!m_ended) m_recovery.keepSoon();
+    });
 }
 
 void OrvoApplication::showMainWindow() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CrashReports.h"
 #include "app/EditorRecovery.h"
 #include "app/Options.h"
 #include "app/SingleInstance.h"
@@ -24,6 +25,8 @@ struct AppPlaces {
     AppFolders folders;
     /// The installed sample files.
     FilePath exampleSource;
+
+    FilePath crashReports() const { return folders.applicationData("Crash reports"); }
 };
 
 /// The running application with a window: it makes the models, shows the window and ends the run. Main thread
@@ -81,7 +84,8 @@ private:
     void openFirstProject();
     void openExampleProject();
     void runErrand(Options::Errand errand);
-    void offerUnsavedText();
+    void tellOfTheLastRun();
+    void keepUnsavedTextSoon();
     void end();
     void capturePages();
     void capturePage(std::size_t index);
@@ -92,7 +96,9 @@ private:
     Theme m_theme;
     Workspace m_workspace;
     const std::unique_ptr<WorkspaceMacActions> m_macActions;
+    const CrashReports m_crashReports;
     EditorRecovery m_recovery;
+    bool m_keepDue = false;
     /// The throw-away example project of a transient run.
     std::optional<FilePath> m_throwAwayExamples;
     /// Null in a transient run.

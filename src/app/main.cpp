@@ -1,3 +1,4 @@
+#include "app/CrashHandler.h"
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/OrvoApplication.h"
@@ -23,6 +24,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <vector>
 
 using namespace orvo;
 
@@ -34,13 +36,30 @@ FilePath currentFolder() {
     return FilePath(QFile::encodeName(QDir::currentPath()));
 }
 
-/// Wayland lets no program place, raise or type into windows, so the X server is preferred where there is
-/// one.
-void choosePlatform() {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
-        qputenv("QT_QPA_PLATFORM", "xcb");
+/// Qt's own arguments. Ours are read already, and what is set in the environment instead would be inherited
+/// by the programs that are started from here.
+class QtArguments {
+public:
+    explicit QtArguments(const char* program) : m_texts{program} {
+        // Wayland lets no program place, raise or type into windows, so the X server is preferred where there
+        // is one.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
+            m_texts += {"-platform", "xcb"};
+        }
+        for (QByteArray& text : m_texts)
+            m_pointers.push_back(text.data());
+        m_pointers.push_back(nullptr);
+        m_count = static_cast<int>(m_texts.size());
     }
-}
+
+    int& count() { return m_count; }
+    char** values() { return m_pointers.data(); }
+
+private:
+    QByteArrayList m_texts;
+    std::vector<char*> m_pointers;
+    int m_count = 0;
+};
 
 bool hasDisplay() {
     for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
@@ -101,10 +120,12 @@ private:
     TerminationSignals m_termination;
 };
 
-int showWindow(int argc, char** argv, const Options& options) {
-    choosePlatform();
+int showWindow(const char* program, const Options& options) {
     const QByteArray activationToken = takeActivationToken();
-    QApplication application(argc, argv);
+    QtArguments arguments(program);
+    QApplication application(arguments.count(), arguments.values());
+    // Qt has read what the desktop wants to be told once the window is there.
+    qunsetenv("DESKTOP_STARTUP_ID");
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));
     QCoreApplication::setApplicationVersion(versionText());
     QGuiApplication::setDesktopFileName(QStringLiteral("orvo"));
@@ -124,6 +145,8 @@ int showWindow(int argc, char** argv, const Options& options) {
     const AppPlaces places{.folders = AppFolders::fromProcess(),
                            .exampleSource = ExampleProject::installedSource(
                                FilePath::fromString(QCoreApplication::applicationDirPath()))};
+    // A transient run leaves nothing behind, not even that.
+    if (!isTransient) installCrashHandler(places.crashReports(), versionText().toUtf8());
     const FilePath configuration = places.folders.configuration;
     FilePreferences preferences(
         configuration, isTransient ? FilePreferences::Access::ReadOnly : FilePreferences::Access::ReadWrite);
@@ -181,5 +204,5 @@ int main(int argc, char** argv) {
         std::fputs("orvo: There is no display to open a window on. Try orvoctl.\n", stderr);
         return 1;
     }
-    return showWindow(argc, argv, *options);
+    return showWindow(argc > 0 ? argv[0] : "orvo", *options);
 }

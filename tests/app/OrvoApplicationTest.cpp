@@ -225,6 +225,34 @@ TEST_F(OrvoApplicationTest, unsavedTextSurvivesAnEndThatTheSystemWants) {
     EXPECT_EQ(m_dialogs.alerts().size(), asked);
 }
 
+TEST_F(OrvoApplicationTest, aFaultCostsNoMoreThanTheLastSecondsOfTyping) {
+    const auto kept = [this] {
+        const FilePath folder = places().folders.applicationData("Recovery");
+        return QDir(folder.display()).entryList(QDir::Files).size();
+    };
+    launched();
+    ProjectFiles& files = m_application->workspace().files();
+    files.setEditorText(QStringLiteral("half"));
+    files.setEditorText(QStringLiteral("half a thought"));
+    m_clock.advance(std::chrono::seconds(3));
+    ASSERT_TRUE(test::waitFor([&] { return kept() == 1; }));
+    // Gone without a farewell.
+    m_application.reset();
+
+    launched();
+    m_dialogs.answer(QStringLiteral("Restore"));
+    m_clock.advance(std::chrono::seconds(0));
+    ProjectFiles& restored = m_application->workspace().files();
+    EXPECT_EQ(restored.editorText(), QStringLiteral("half a thought"));
+    EXPECT_EQ(kept(), 1) << "it is still unsaved";
+
+    // What is saved or given up needs no keeping.
+    restored.setEditorText(QString());
+    EXPECT_TRUE(test::waitFor([&] { return kept() == 0; }));
+    m_clock.advance(std::chrono::seconds(10));
+    EXPECT_EQ(kept(), 0);
+}
+
 TEST_F(OrvoApplicationTest, closingTheWindowEndsTheRunWithoutAQuestionWhenNothingRuns) {
     launched();
     m_application->window()->close();

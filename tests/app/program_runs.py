@@ -1,6 +1,7 @@
 """Runs of the real program that need no window. Usage: program_runs.py PROGRAM [TEST...]"""
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
@@ -141,6 +142,45 @@ class Capture(ProgramRun):
         self.assertEqual(len(lines), 6)
         for line in lines:
             self.assertTrue(line.startswith("Capture error: "), line)
+
+
+class Crash(ProgramRun):
+    def start(self):
+        return subprocess.Popen([PROGRAM], env={**self.environment, "QT_QPA_PLATFORM": "offscreen"},
+                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def reports(self):
+        return sorted((self.root / "data/Orvo AI/Crash reports").glob("*"))
+
+    def wait_for(self, what, condition):
+        end = time.monotonic() + 30
+        while not condition():
+            self.assertLess(time.monotonic(), end, f"waited in vain for {what}")
+            time.sleep(0.05)
+
+    def test_leaves_a_report_that_the_next_start_tells_of(self):
+        first = self.start()
+        self.addCleanup(first.wait)
+        self.addCleanup(first.kill)
+        # The samples are prepared by the window, after the handler is in place.
+        self.wait_for("the window", (self.root / "data/Orvo AI/Example Project/README.md").exists)
+        first.send_signal(signal.SIGSEGV)
+        self.assertEqual(first.wait(30), -signal.SIGSEGV)
+        (report,) = self.reports()
+        text = report.read_text()
+        self.assertRegex(text, r"\AOrvo AI \d+\.\d+\.\d+ ended unexpectedly\.\nQt: 6\.")
+        self.assertIn("\nSignal: 11 (SIGSEGV)\n", text)
+        self.assertGreater(len(text.split("\nStack:\n")[1].splitlines()), 5)
+        self.assertEqual(report.stat().st_mode & 0o777, 0o600)
+
+        second = self.start()
+        self.addCleanup(second.wait)
+        self.addCleanup(second.kill)
+        told = report.with_name(report.name.replace(".new", ""))
+        self.wait_for("the report to be told of", lambda: self.reports() == [told])
+        second.terminate()
+        self.assertEqual(second.wait(30), 0, "the alert about it does not hold up the end")
+        self.assertEqual(self.reports(), [told])
 
 
 if __name__ == "__main__":
