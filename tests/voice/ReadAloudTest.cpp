@@ -1,0 +1,177 @@
+#include "SoundServer.h"
+#include "companion/ReadAloud.h"
+#include "platform/voice/SpeechDispatcherSynthesizer.h"
+#include "support/WaitFor.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+#include <optional>
+
+namespace orvo::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+const QString longText =
+    QStringLiteral("This text goes on and on, and on it goes, until somebody stops it. ").repeated(20);
+
+/// Reading aloud with the real service, started by us in a runtime folder of this test's own.
+class ReadAloudTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const QString missing = missingProgram({"pulseaudio", "pactl", "parec", "speech-dispatcher"});
+        if (!missing.isEmpty()) GTEST_SKIP() << missing.toStdString() << " is not installed";
+        if (!QFile::exists(QStringLiteral("/usr/lib/speech-dispatcher-modules/sd_espeak-ng")))
+            GTEST_SKIP() << "the voice of package speech-dispatcher-espeak-ng is not installed";
+    }
+    /// What it says when it fails.
+    static std::shared_ptr<QStringList> sentencesOf(const ReadAloud& reading) {
+        auto sentences = std::make_shared<QStringList>();
+        QObject::connect(&reading, &ReadAloud::failed,
+                         [sentences](const QString& sentence) { sentences->append(sentence); });
+        return sentences;
+    }
+    static bool isLoud(SoundMeter& meter) {
+        return waitFor([&meter] { return meter.takeHeard(); });
+    }
+
+    SpeechServiceGuard m_guard;
+};
+
+TEST_F(ReadAloudTest, ATextIsHeardAndItsEndIsTold) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    SoundMeter meter;
+    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    SpeechDispatcherSynthesizer voice;
+    // The second locale has no voice: the default one reads.
+    for (const char* locale : {"en_US", "xx_YY"}) {
+        ReadAloud reading(voice, QString::fromLatin1(locale));
+        const auto failed = sentencesOf(reading);
+        QElapsedTimer timer;
+        timer.start();
+        reading.speak(QStringLiteral(".\nWords\x1b[0m and \x01 signs < & >.\n.\n"));
+        EXPECT_LT(timer.elapsed(), 100) << "the service is waited for elsewhere";
+        EXPECT_TRUE(reading.isSpeaking());
+        EXPECT_TRUE(isLoud(meter)) << locale;
+        EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); })) << locale;
+        EXPECT_TRUE(failed->isEmpty());
+    }
+}
+
+TEST_F(ReadAloudTest, StoppingIsHeardAtOnce) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    SoundMeter meter;
+    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    SpeechDispatcherSynthesizer voice;
+    ReadAloud reading(voice, QStringLiteral("en_US"));
+    for (int turn = 0; turn < 3; ++turn) {
+        (void)meter.takeHeard();
+        reading.speak(longText);
+        ASSERT_TRUE(isLoud(meter));
+        QElapsedTimer stopping;
+        stopping.start();
+        reading.stop();
+        EXPECT_LT(stopping.elapsed(), 50) << "asked for, not waited for";
+        EXPECT_FALSE(reading.isSpeaking());
+        ASSERT_TRUE(waitFor([&meter] { return meter.silentFor() > 1000; }));
+        const qint64 heardFor = stopping.elapsed() - meter.silentFor();
+        // 150 ms are promised; a busy machine gets five times that. Idle, 30 to 60 were measured.
+        EXPECT_LT(heardFor, 5 * 150);
+        RecordProperty("heardForMs", static_cast<int>(heardFor));
+    }
+    // A text that is stopped before it begins is never heard.
+    (void)meter.takeHeard();
+    reading.speak(longText);
+    reading.stop();
+    (void)waitFor([] { return false; }, 1500ms);
+    EXPECT_FALSE(meter.takeHeard());
+    // The next one replaces what is being read, and its end is its own.
+    reading.speak(longText);
+    ASSERT_TRUE(isLoud(meter));
+    reading.speak(QStringLiteral("Short."));
+    EXPECT_TRUE(reading.isSpeaking());
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+}
+
+TEST_F(ReadAloudTest, TheVoiceEndsWithTheApplication) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    SoundMeter meter;
+    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    {
+        SpeechDispatcherSynthesizer voice;
+        voice.speak({.text = longText, .language = QStringLiteral("en-US")}, [](Result<void>) {});
+        ASSERT_TRUE(isLoud(meter));
+    }
+    EXPECT_TRUE(waitFor([&meter] { return meter.silentFor() > 1000; }, 5s));
+}
+
+TEST_F(ReadAloudTest, AServiceThatGoesAwayIsToldOfAndStartedAgain) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    SoundMeter meter;
+    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    SpeechDispatcherSynthesizer voice;
+    ReadAloud reading(voice, QStringLiteral("en_US"));
+    const auto failed = sentencesOf(reading);
+    reading.speak(longText);
+    ASSERT_TRUE(isLoud(meter));
+    const qint64 service = SpeechServiceGuard::pid();
+    ASSERT_GT(service, 1);
+    kill(static_cast<pid_t>(service), SIGKILL);
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    ASSERT_EQ(failed->size(), 1);
+    EXPECT_EQ(failed->first(), QStringLiteral("Reading aloud ended: the speech service is gone."));
+    ASSERT_TRUE(waitFor([&meter] { return meter.silentFor() > 500; }));
+    (void)meter.takeHeard();
+    reading.speak(QStringLiteral("Here again."));
+    EXPECT_TRUE(isLoud(meter));
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_EQ(failed->size(), 1);
+}
+
+/// What is said when the service is this shell script.
+QString sentenceWith(const char* script, std::chrono::milliseconds limit) {
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("service")));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("#!/bin/sh\n") + script + '\n');
+    file.close();
+    file.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    qputenv("SPEECHD_CMD", file.fileName().toLocal8Bit());
+    SpeechDispatcherSynthesizer voice(limit);
+    ReadAloud reading(voice, QStringLiteral("en_US"));
+    QString sentence;
+    QObject::connect(&reading, &ReadAloud::failed, [&sentence](const QString& said) { sentence = said; });
+    QElapsedTimer timer;
+    timer.start();
+    reading.speak(longText);
+    EXPECT_LT(timer.elapsed(), 100);
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    // A second try is answered as well, and needs no further thread.
+    const QString first = std::exchange(sentence, {});
+    reading.speak(longText);
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_EQ(sentence, first);
+    qunsetenv("SPEECHD_CMD");
+    return sentence;
+}
+
+TEST(SpeechServiceTest, WithoutAServiceOneSentenceSaysSo) {
+    EXPECT_EQ(sentenceWith("exit 1", 20s),
+              QStringLiteral(
+                  "Reading aloud is unavailable: the speech service (speech-dispatcher) did not start."));
+    EXPECT_EQ(sentenceWith("exec sleep 5", 300ms),
+              QStringLiteral("Reading aloud is unavailable: the speech service does not answer."));
+}
+
+}  // namespace
+}  // namespace orvo::test
