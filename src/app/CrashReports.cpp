@@ -1,7 +1,6 @@
 #include "app/CrashReports.h"
 
 #include "platform/Dialogs.h"
-#include "platform/Launcher.h"
 #include "platform/listFolder.h"
 
 #include <algorithm>
@@ -24,7 +23,7 @@ QList<QByteArray> oldestFirst(const FilePath& folder) {
 
 }  // namespace
 
-void CrashReports::tell(Dialogs& dialogs, Launcher& launcher) const {
+void CrashReports::tell(Dialogs& dialogs) const {
     QList<QByteArray> names = oldestFirst(m_folder);
     while (names.size() > maximumKept)
         unlink(m_folder.child(names.takeFirst()).bytes().constData());
@@ -38,13 +37,12 @@ void CrashReports::tell(Dialogs& dialogs, Launcher& launcher) const {
         if (std::rename(untold.bytes().constData(), told.bytes().constData()) == 0) latest = told;
     }
     if (!latest) return;
-    const int answer = dialogs.alert(
+    dialogs.alert(
         {.message = tr("Orvo AI ended unexpectedly."),
          .informativeText = tr("A report without any of your text is in %1. It helps to find the fault when "
                                "you send it along with a description of what you did.")
                                 .arg(latest->display()),
-         .buttons = {tr("Show report folder"), tr("OK")}});
-    if (answer == 0) (void)launcher.openFolder(m_folder);
+         .buttons = {tr("OK")}});
 }
 
 }  // namespace orvo

@@ -7,7 +7,6 @@
 namespace orvo {
 
 class Dialogs;
-class Launcher;
 
 /// The reports that faults have left. Their form is told in docs/formats/crash.md. Main thread only.
 class CrashReports {
@@ -25,7 +24,7 @@ public:
     explicit CrashReports(FilePath folder) : m_folder(std::move(folder)) {}
 
     /// Says once that the application has ended unexpectedly, if it has since this was last asked.
-    void tell(Dialogs& dialogs, Launcher& launcher) const;
+    void tell(Dialogs& dialogs) const;
 
 private:
     const FilePath m_folder;

@@ -141,7 +141,7 @@ void OrvoApplication::serve(const StartRequest& request) {
 }
 
 void OrvoApplication::tellOfTheLastRun() {
-    m_crashReports.tell(m_services.dialogs, m_services.launcher);
+    m_crashReports.tell(m_services.dialogs);
     if (m_recovery.offer(m_services.dialogs)) m_workspace.setDestination(Destination::Files);
 }
 

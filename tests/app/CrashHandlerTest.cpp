@@ -4,7 +4,6 @@
 
 #include "app/CrashReports.h"
 #include "platform/fake/FakeDialogs.h"
-#include "platform/fake/FakeLauncher.h"
 
 #include <gtest/gtest.h>
 
@@ -73,7 +72,6 @@ protected:
     QTemporaryDir m_temporary;
     FilePath m_reports = FilePath::fromString(m_temporary.filePath(QStringLiteral("data/Crash reports")));
     FakeDialogs m_dialogs;
-    FakeLauncher m_launcher;
 };
 
 struct Ending {
@@ -126,20 +124,21 @@ TEST_F(CrashHandlerTest, aReportThatCannotBeWrittenChangesNothingElse) {
 
 TEST_F(CrashHandlerTest, theNextStartSaysItOnce) {
     const CrashReports reports(m_reports);
-    reports.tell(m_dialogs, m_launcher);
+    reports.tell(m_dialogs);
     EXPECT_TRUE(m_dialogs.alerts().isEmpty()) << "nothing has happened";
 
     ASSERT_EQ(signalOf([] { std::abort(); }), SIGABRT);
     ASSERT_EQ(signalOf([] { std::abort(); }), SIGABRT);
     m_dialogs.answer(QStringLiteral("OK"));
-    reports.tell(m_dialogs, m_launcher);
-    reports.tell(m_dialogs, m_launcher);
+    reports.tell(m_dialogs);
+    reports.tell(m_dialogs);
     ASSERT_EQ(m_dialogs.alerts().size(), 1);
     EXPECT_EQ(m_dialogs.alerts().first().message, QStringLiteral("Orvo AI ended unexpectedly."));
     const QStringList kept = names();
     ASSERT_EQ(kept.size(), 2);
     EXPECT_FALSE(kept.join(u' ').contains(QStringLiteral(".new")));
-    EXPECT_TRUE(m_launcher.folders().isEmpty());
+    EXPECT_TRUE(
+        m_dialogs.alerts().first().informativeText.contains(m_reports.child(kept.last().toUtf8()).display()));
 }
 
 TEST_F(CrashHandlerTest, oldReportsMakeRoom) {
@@ -150,7 +149,7 @@ TEST_F(CrashHandlerTest, oldReportsMakeRoom) {
     }
     QFile other(m_reports.child("a note of the person's").display());
     ASSERT_TRUE(other.open(QIODevice::WriteOnly));
-    CrashReports(m_reports).tell(m_dialogs, m_launcher);
+    CrashReports(m_reports).tell(m_dialogs);
     EXPECT_EQ(names().size(), CrashReports::maximumKept + 1);
     EXPECT_EQ(names().value(1), QStringLiteral("crash-1700000013-1.txt"));
 }
