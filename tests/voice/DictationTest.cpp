@@ -1,0 +1,209 @@
+#include "SoundServer.h"
+#include "companion/CompanionModel.h"
+#include "platform/Clock.h"
+#include "platform/fake/FakeDialogs.h"
+#include "platform/fake/FakeImageDecoder.h"
+#include "platform/fake/FakePreferences.h"
+#include "platform/voice/VoiceServices.h"
+#include "support/WaitFor.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+namespace orvo::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+const char* const modelFolder = "/usr/share/pocketsphinx/model/en-us/en-us";
+
+/// The companion with the real parts, and somebody who speaks into its microphone.
+class DictationTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const QString missing = missingProgram({"pulseaudio", "pactl", "paplay", "flite"});
+        if (!missing.isEmpty()) GTEST_SKIP() << missing.toStdString() << " is not installed";
+        if (!QDir(QString::fromUtf8(modelFolder)).exists())
+            GTEST_SKIP() << "the speech model of package pocketsphinx-en-us is not installed";
+    }
+    CompanionServices services(const char* locale = "en_US") {
+        return {.preferences = &m_preferences,
+                .clock = m_clock,
+                .dialogs = m_dialogs,
+                .images = m_images,
+                .microphone = m_voice.microphone(),
+                .recognition = m_voice.recognition(),
+                .synthesizer = m_voice.synthesizer(),
+                .builtInPet = nullptr,
+                .locale = QString::fromUtf8(locale)};
+    }
+    /// Says `sentence` aloud, once; over when this returns.
+    void say(const QString& sentence) {
+        const QString sound = m_folder.filePath(QStringLiteral("sentence.wav"));
+        QProcess speaker;
+        speaker.start(QStringLiteral("flite"), {QStringLiteral("-voice"), QStringLiteral("slt"),
+                                                QStringLiteral("-t"), sentence, QStringLiteral("-o"), sound});
+        ASSERT_TRUE(speaker.waitForFinished(30'000));
+        QProcess player;
+        player.start(QStringLiteral("paplay"), {QStringLiteral("--device=speakers"), sound});
+        EXPECT_TRUE(waitFor([&player] { return player.state() == QProcess::NotRunning; }, 60s));
+        EXPECT_EQ(player.exitCode(), 0) << player.readAllStandardError().toStdString();
+    }
+    /// Whether that many of these words are in the draft.
+    static bool hasWords(const CompanionModel& model, const QStringList& words, int atLeast) {
+        const QStringList heard = model.draft().split(u' ');
+        int found = 0;
+        for (const QString& word : words)
+            found += heard.contains(word) ? 1 : 0;
+        return found >= atLeast;
+    }
+    static bool becomesIdle(const CompanionModel& model) {
+        return waitFor([&model] { return !model.voiceBusy(); }, 60s);
+    }
+
+    QTemporaryDir m_folder;
+    FakePreferences m_preferences;
+    SystemClock m_clock;
+    FakeDialogs m_dialogs;
+    FakeImageDecoder m_images;
+    VoiceServices m_voice{&m_preferences};
+};
+
+TEST_F(DictationTest, WhatIsSaidGrowsInTheDraftUntilTheSpeakerIsSilent) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    CompanionModel model(services());
+    model.setDraft(QStringLiteral("Before."));
+    int changes = 0;
+    QObject::connect(&model, &CompanionModel::draftChanged, [&changes] { ++changes; });
+    QElapsedTimer timer;
+    timer.start();
+    model.toggleMicrophone();
+    EXPECT_LT(timer.elapsed(), 100) << "sound server and model are waited for elsewhere";
+    ASSERT_TRUE(waitFor([&model] { return model.listening(); })) << model.message().toStdString();
+    say(QStringLiteral("Please make a new plan before you change any files."));
+    EXPECT_TRUE(becomesIdle(model));
+    EXPECT_EQ(model.message(), QStringLiteral("Dictation finished. Review your draft before using it."));
+    EXPECT_TRUE(model.draft().startsWith(QStringLiteral("Before. ")));
+    EXPECT_TRUE(hasWords(
+        model,
+        {QStringLiteral("make"), QStringLiteral("new"), QStringLiteral("plan"), QStringLiteral("files")}, 3))
+        << model.draft().toStdString();
+    EXPECT_GT(changes, 3) << "partial results";
+    RecordProperty("draft", model.draft().toStdString());
+
+    // Once more with the loaded model; this time the person stops, and what was heard stays.
+    model.setDraft({});
+    model.toggleMicrophone();
+    ASSERT_TRUE(waitFor([&model] { return model.listening(); }));
+    say(QStringLiteral("Please make a new plan before you change any files."));
+    EXPECT_TRUE(waitFor([&model] { return hasWords(model, {QStringLiteral("plan")}, 1); }))
+        << model.draft().toStdString();
+    timer.start();
+    model.toggleMicrophone();
+    EXPECT_LT(timer.elapsed(), 100);
+    EXPECT_FALSE(model.listening());
+    const QString draft = model.draft();
+    EXPECT_EQ(model.message(), QStringLiteral("Microphone off. Your draft is ready to review."));
+    (void)waitFor([] { return false; }, 1500ms);
+    EXPECT_EQ(model.draft(), draft) << "nothing comes after the stop";
+}
+
+TEST_F(DictationTest, WithoutAMicrophoneOrALanguageTheCompanionSaysSo) {
+    const char* const unavailable =
+        "Speech recognition is unavailable for this language or connection. You can still type your draft.";
+    {
+        SoundServer sound(SoundServer::Microphone::None);
+        ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+        CompanionModel model(services());
+        model.toggleMicrophone();
+        EXPECT_TRUE(becomesIdle(model));
+        EXPECT_EQ(model.message(), QStringLiteral("No microphone input is available."));
+        CompanionModel other(services("de_DE"));
+        other.toggleMicrophone();
+        EXPECT_TRUE(becomesIdle(other));
+        EXPECT_EQ(other.message(), QString::fromUtf8(unavailable));
+    }
+    // The sound server is gone.
+    CompanionModel model(services());
+    model.toggleMicrophone();
+    EXPECT_TRUE(becomesIdle(model));
+    EXPECT_EQ(model.message(), QStringLiteral("No microphone input is available."));
+}
+
+TEST_F(DictationTest, TogglingQuicklyEndsInSilence) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    CompanionModel model(services());
+    for (int turn = 0; turn < 20; ++turn) {
+        model.toggleMicrophone();
+        (void)waitFor([] { return false; }, std::chrono::milliseconds(turn * 7));
+        model.toggleMicrophone();
+    }
+    if (model.voiceBusy()) model.toggleMicrophone();
+    (void)waitFor([] { return false; }, 1s);
+    EXPECT_FALSE(model.voiceBusy());
+    const auto recordings = [] {
+        QProcess question;
+        question.start(QStringLiteral("pactl"),
+                       {QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")});
+        question.waitForFinished(3000);
+        QByteArray list = question.readAllStandardOutput();
+        return list.count('\n');
+    };
+    // The remapped microphone itself records what is played.
+    EXPECT_TRUE(waitFor([&recordings] { return recordings() <= 1; })) << "the microphone is off";
+    model.toggleMicrophone();
+    EXPECT_TRUE(waitFor([&model] { return model.listening(); })) << "and goes on again";
+    EXPECT_TRUE(waitFor([&recordings] { return recordings() == 2; }));
+}
+
+TEST_F(DictationTest, ACommandOfThePersonsOwnRecognises) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    // Counts what it hears: half a second of sound is 16,000 bytes.
+    const char* const counter = "echo $ORVO_LOCALE; head -c 16000 | wc -c; head -c 16000 | wc -c; exit 0";
+    (void)m_preferences.setValue(preference::recognizerCommand, QString::fromUtf8(counter));
+    CompanionModel model(services("de_DE"));
+    QStringList drafts;
+    QObject::connect(&model, &CompanionModel::draftChanged, [&] { drafts.append(model.draft()); });
+    model.toggleMicrophone();
+    EXPECT_TRUE(becomesIdle(model));
+    EXPECT_EQ(model.message(), QStringLiteral("Dictation finished. Review your draft before using it."));
+    EXPECT_EQ(drafts, QStringList({QStringLiteral("de_DE"), QStringLiteral("16000")}));
+
+    (void)m_preferences.setValue(preference::recognizerCommand, QStringLiteral("echo half; exit 3"));
+    model.setDraft({});
+    model.toggleMicrophone();
+    EXPECT_TRUE(becomesIdle(model));
+    EXPECT_EQ(model.message(),
+              QStringLiteral("Dictation ended. Check your microphone, language, and connection; your draft "
+                             "is kept."));
+    EXPECT_EQ(model.draft(), QStringLiteral("half"));
+
+    // Deaf to the end of its input and to the kind signal, with a child: gone a second after the stop.
+    const QString pids = m_folder.filePath(QStringLiteral("pids"));
+    (void)m_preferences.setValue(
+        preference::recognizerCommand,
+        QStringLiteral("trap '' TERM; sleep 300 & echo $$ $! >'%1'; wait").arg(pids));
+    model.toggleMicrophone();
+    QList<QByteArray> children;
+    ASSERT_TRUE(waitFor([&] {
+        QFile file(pids);
+        if (file.open(QIODevice::ReadOnly)) children = file.readAll().simplified().split(' ');
+        return children.size() == 2 && model.listening();
+    }));
+    model.toggleMicrophone();
+    EXPECT_TRUE(waitFor([&children] {
+        return std::ranges::all_of(children, [](const QByteArray& pid) { return kill(pid.toInt(), 0) != 0; });
+    }));
+}
+
+}  // namespace
+}  // namespace orvo::test
