@@ -4,6 +4,7 @@
 #include "app/Menu.h"
 #include "app/exampleProject.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "platform/EscapedPrograms.h"
 #include "platform/saveAtomically.h"
 #include "workspace/WorkspaceMacActions.h"
 #include "workspace/WorkspaceTeamRuns.h"
@@ -41,11 +42,12 @@ constexpr std::array capturedPages = {Destination::Workspace, Destination::Agent
 }  // namespace
 
 OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                                 DesktopControl& desktop, QObject* parent)
+                                 DesktopControl& desktop, EscapedPrograms& escapedPrograms, QObject* parent)
     : QObject(parent),
       m_services(services),
       m_options(std::move(options)),
       m_places(std::move(places)),
+      m_escapedPrograms(escapedPrograms),
       m_theme(services.preferences),
       m_workspace(services),
       m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop, services.clock,
@@ -226,7 +228,24 @@ void OrvoApplication::quit() {
     }
     // The person has decided about the text.
     m_recovery.forget();
+    stopSessionsAndWait(m_workspace.sessions());
+    if (!isTransient()) askAboutEscapedPrograms();
     end();
+}
+
+void OrvoApplication::askAboutEscapedPrograms() {
+    const QList<EscapedProgram> programs = m_escapedPrograms.running();
+    if (programs.isEmpty()) return;
+    QStringList names;
+    for (const EscapedProgram& program : programs)
+        names.append(QStringLiteral("%1 (%2)").arg(program.name).arg(program.pid));
+    const int answer = m_services.dialogs.alert(
+        {.message = tr("Some programs are still running."),
+         .informativeText = tr("They were started in a session and have left it: %1. They go on without "
+                               "Orvo AI unless you stop them.")
+                                .arg(names.join(QStringLiteral(", "))),
+         .buttons = {tr("Stop them"), tr("Leave running")}});
+    if (answer == 0) m_escapedPrograms.stop(programs);
 }
 
 void OrvoApplication::endNow() {

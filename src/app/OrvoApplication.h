@@ -15,6 +15,7 @@
 namespace orvo {
 
 class DesktopControl;
+class EscapedPrograms;
 class MainWindow;
 class OrvoRoot;
 class WorkspaceMacActions;
@@ -38,7 +39,7 @@ public:
     /// The services outlive the application. Without preferences the run is transient: it keeps nothing and
     /// quits without a question.
     OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                    DesktopControl& desktop, QObject* parent = nullptr);
+                    DesktopControl& desktop, EscapedPrograms& escapedPrograms, QObject* parent = nullptr);
     ~OrvoApplication() override;
 
     Workspace& workspace() { return m_workspace; }
@@ -87,12 +88,14 @@ private:
     void tellOfTheLastRun();
     void keepUnsavedTextSoon();
     void end();
+    void askAboutEscapedPrograms();
     void capturePages();
     void capturePage(std::size_t index);
 
     const WorkspaceServices m_services;
     const Options m_options;
     const AppPlaces m_places;
+    EscapedPrograms& m_escapedPrograms;
     Theme m_theme;
     Workspace m_workspace;
     const std::unique_ptr<WorkspaceMacActions> m_macActions;

@@ -1,9 +1,9 @@
 #include "app/CrashHandler.h"
+#include "app/EndRequests.h"
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/OrvoApplication.h"
 #include "app/SingleInstance.h"
-#include "app/TerminationSignals.h"
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
 #include "app/self_test/SelfTest.h"
@@ -13,6 +13,7 @@
 #include "platform/desktop/DesktopLauncher.h"
 #include "platform/desktop/QtDialogs.h"
 #include "platform/desktop/X11DesktopControl.h"
+#include "platform/linux/AdoptedPrograms.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/LogindSleepInhibitor.h"
 #include "workspace/ui/version.h"
@@ -20,7 +21,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
-#include <QSessionManager>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -96,30 +96,6 @@ Place claimPlace(const Options& options, const QByteArray& activationToken) {
     return {nullptr, 0};
 }
 
-/// Ends the run in order when the system or the desktop session wants it, without a question.
-class EndRequests final : public QObject {
-public:
-    EndRequests(QGuiApplication& application, OrvoApplication& orvo) : m_orvo(orvo) {
-        connect(&m_termination, &TerminationSignals::received, &orvo, &OrvoApplication::endNow);
-        // The session may yet go on, when somebody else cancels the log-out.
-        connect(
-            &application, &QGuiApplication::commitDataRequest, &orvo, [&orvo] { orvo.keepUnsavedText(); },
-            Qt::DirectConnection);
-        application.installEventFilter(this);
-    }
-
-    bool eventFilter(QObject* receiver, QEvent* event) override {
-        if (event->type() != QEvent::Quit || receiver != QCoreApplication::instance()) return false;
-        // Qt would first ask the window to close, which it answers by asking the person.
-        m_orvo.endNow();
-        return true;
-    }
-
-private:
-    OrvoApplication& m_orvo;
-    TerminationSignals m_termination;
-};
-
 int showWindow(const char* program, const Options& options) {
     const QByteArray activationToken = takeActivationToken();
     QtArguments arguments(program);
@@ -158,6 +134,7 @@ int showWindow(const char* program, const Options& options) {
     DesktopLauncher launcher;
     X11DesktopControl desktop;
     LogindSleepInhibitor sleepInhibitor;
+    AdoptedPrograms escapedPrograms(clock);
     OrvoApplication orvo({.preferences = isTransient ? nullptr : &preferences,
                           .clock = clock,
                           .dialogs = dialogs,
@@ -165,7 +142,7 @@ int showWindow(const char* program, const Options& options) {
                           .sleepInhibitor = sleepInhibitor,
                           .tools = ToolEnvironment::fromProcess(),
                           .historyInbox = isTransient ? nullptr : &historyInbox},
-                         options, places, desktop);
+                         options, places, desktop, escapedPrograms);
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },

@@ -1,7 +1,8 @@
 #include "app/OrvoApplication.h"
 
+#include "app/EndRequests.h"
 #include "app/MainWindow.h"
-#include "app/TerminationSignals.h"
+#include "platform/fake/FakeEscapedPrograms.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
 
@@ -22,7 +23,7 @@ protected:
     OrvoApplication& launched(const Options& options = {}, Keep keep = Keep::Preferences) {
         WorkspaceServices wanted = services();
         if (keep == Keep::Nothing) wanted.preferences = nullptr;
-        m_application = std::make_unique<OrvoApplication>(wanted, options, places(), m_desktop);
+        m_application = std::make_unique<OrvoApplication>(wanted, options, places(), m_desktop, m_escaped);
         QObject::connect(m_application.get(), &OrvoApplication::ended, m_application.get(),
                          [this] { ++m_ended; });
         m_application->launch();
@@ -52,6 +53,7 @@ protected:
         ASSERT_EQ(m_application->workspace().sessions().size(), 1u);
     }
 
+    FakeEscapedPrograms m_escaped;
     std::unique_ptr<OrvoApplication> m_application;
     int m_ended = 0;
 };
@@ -277,6 +279,34 @@ TEST_F(OrvoApplicationTest, quittingAsksWhileASessionRuns) {
     EXPECT_EQ(m_dialogs.alerts().last().message, QStringLiteral("Quit and stop running sessions?"));
 }
 
+TEST_F(OrvoApplicationTest, programsThatLeftTheirTerminalsAreNamedAndStoppedOnlyWithAYes) {
+    const QList<EscapedProgram> programs = {{.pid = 4711, .started = 1, .name = QStringLiteral("node")},
+                                            {.pid = 4712, .started = 2, .name = QStringLiteral("redis")}};
+    m_escaped.setRunning(programs);
+    launched();
+    m_dialogs.answer(QStringLiteral("Leave running"));
+    m_application->quit();
+    EXPECT_EQ(m_ended, 1);
+    EXPECT_EQ(m_escaped.running(), programs);
+    EXPECT_TRUE(
+        m_dialogs.alerts().last().informativeText.contains(QStringLiteral("node (4711), redis (4712)")));
+
+    launched();
+    m_dialogs.answer(QStringLiteral("Stop them"));
+    m_application->quit();
+    EXPECT_EQ(m_ended, 2);
+    EXPECT_TRUE(m_escaped.running().isEmpty());
+
+    // Nobody is asked when the system ends the run.
+    m_escaped.setRunning(programs);
+    launched();
+    const qsizetype asked = m_dialogs.alerts().size();
+    m_application->endNow();
+    EXPECT_EQ(m_ended, 3);
+    EXPECT_EQ(m_dialogs.alerts().size(), asked);
+    EXPECT_EQ(m_escaped.running(), programs);
+}
+
 TEST_F(OrvoApplicationTest, aTransientRunQuitsWithoutAQuestion) {
     launched({}, Keep::Nothing);
     startTerminal();
@@ -288,13 +318,26 @@ TEST_F(OrvoApplicationTest, aTransientRunQuitsWithoutAQuestion) {
 TEST_F(OrvoApplicationTest, aSignalOfTheSystemStopsTheSessionsWithoutAQuestion) {
     launched();
     startTerminal();
-    const TerminationSignals termination;
-    QObject::connect(&termination, &TerminationSignals::received, m_application.get(),
-                     &OrvoApplication::endNow);
+    const EndRequests endRequests(*qGuiApp, *m_application);
     ASSERT_EQ(raise(SIGTERM), 0);
     EXPECT_TRUE(test::waitFor([this] { return m_ended == 1; }));
     EXPECT_TRUE(test::waitFor([this] { return !m_application->workspace().anySessionRunning(); }));
     EXPECT_TRUE(m_dialogs.alerts().isEmpty());
+}
+
+TEST_F(OrvoApplicationTest, aLogOutEndsTheRunWithoutAQuestionAndKeepsUnsavedText) {
+    launched();
+    startTerminal();
+    m_application->workspace().files().setEditorText(QStringLiteral("half a thought"));
+    const EndRequests endRequests(*qGuiApp, *m_application);
+    // What Qt makes of the session manager's last word.
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qGuiApp, &quit);
+    EXPECT_EQ(m_ended, 1);
+    EXPECT_TRUE(m_dialogs.alerts().isEmpty());
+    const FilePath kept = places().folders.applicationData("Recovery");
+    EXPECT_EQ(QDir(kept.display()).entryList(QDir::Files).size(), 1);
+    EXPECT_TRUE(test::waitFor([this] { return !m_application->workspace().anySessionRunning(); }));
 }
 
 TEST_F(OrvoApplicationTest, exportsAPictureOfTheWindow) {

@@ -192,6 +192,28 @@ def quit_with_sessions(home):
     assert living(sessions) == set()
 
 
+def escaped_program(home):
+    started = home.root / "home/escaped"
+    (home.root / "home/.zshrc").write_text("setsid sh -c 'echo $$ > ~/escaped; exec sleep 600' &!\n")
+    for answer in ("Leave running", "Stop them"):
+        started.unlink(missing_ok=True)
+        program = home.start("--workspace", str(home.project), "--new-terminal")
+        pid = int(wait_for("the program", lambda: started.exists() and started.read_text()))
+        program.press("Files & runner")
+        press_key("ctrl+q")
+        program.press("Quit & stop")
+        program.find(name="Some programs are still running.")
+        program.picture("escaped-1-named")
+        assert any(f"sleep ({pid})" in node.get_name() for node in program.all("label")), "it is not named"
+        program.press(answer)
+        assert wait_until_ended(program) == 0
+        if answer == "Leave running":
+            os.kill(pid, signal.SIGKILL)  # fails when it is gone
+        else:
+            wait_for("its end", lambda pid=pid: not pathlib.Path(f"/proc/{pid}").exists()
+                     or " Z " in pathlib.Path(f"/proc/{pid}/stat").read_text())
+
+
 def living(sessions):
     """Those of the sessions in which some process still runs."""
     found = set()
@@ -267,7 +289,8 @@ def close_window(program):
     press_key("alt+F4")
 
 
-SCENARIOS = [second_start, killed_instance, children_environment, quit_with_sessions, unsaved_text]
+SCENARIOS = [second_start, killed_instance, children_environment, quit_with_sessions, escaped_program,
+             unsaved_text]
 
 if __name__ == "__main__":
     BINARY, pictures, name = sys.argv[1:]

@@ -2,17 +2,15 @@
 
 #include "app/self_test/SelfTest.h"
 #include "assistants/Provider.h"
-#include "platform/listFolder.h"
+#include "platform/linux/processTable.h"
 #include "platform/readFile.h"
 #include "terminal/TerminalSession.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <array>
-#include <fstream>
-#include <sstream>
-#include <string>
 
 namespace orvo {
 namespace {
@@ -31,22 +29,10 @@ QString screenText(const TerminalSession& session) {
 }
 
 /// Whether a process of the group still runs; one that only waits to be reaped by its parent does not.
-bool groupLives(pid_t group) {
-    for (const QByteArray& name : listFolder(FilePath("/proc")).value_or(QList<QByteArray>())) {
-        if (name.front() < '1' || name.front() > '9') continue;
-        std::ifstream file("/proc/" + name.toStdString() + "/stat");
-        std::string text;
-        std::getline(file, text);
-        // The name in parentheses may hold anything, so the fields are counted from its end.
-        const std::size_t nameEnd = text.rfind(')');
-        if (nameEnd == std::string::npos) continue;
-        std::istringstream fields(text.substr(nameEnd + 1));
-        char state = 'X';
-        pid_t parent = 0;
-        pid_t own = 0;
-        if (fields >> state >> parent >> own && own == group && state != 'Z' && state != 'X') return true;
-    }
-    return false;
+bool groupLives(qint64 group) {
+    return std::ranges::any_of(processTable(), [group](const ProcessEntry& entry) {
+        return entry.group == group && entry.isAlive();
+    });
 }
 
 /// A started command, ended with the check.
