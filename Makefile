@@ -2,7 +2,7 @@
 JOBS ?= $(shell n=$$(nproc); [ $$n -gt 3 ] && n=3; echo $$n)
 RELEASE := build/release/bin
 .DEFAULT_GOAL := help
-.PHONY: help build run test test-asan test-tsan bench lint format screenshots clean
+.PHONY: help build run test test-asan test-tsan bench lint format package screenshots clean
 
 help: ## this list
 	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -33,7 +33,11 @@ bench: ## the interpreter beside libvterm, and what a key costs in the editor, a
 	@$(RELEASE)/orvo_bench
 	@$(RELEASE)/orvo_editor_bench
 
-lint: ## formatting, static analysis, layers
+package: ## a Debian package: build/release/package/orvo_*.deb
+	@scripts/install-deps build package
+	@scripts/package
+
+lint: ## formatting, static analysis, layers, desktop files
 	@scripts/install-deps lint test
 	@scripts/lint
 

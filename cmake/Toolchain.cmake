@@ -27,6 +27,8 @@ set(ORVO_SANITIZE "" CACHE STRING "Value of -fsanitize= for every target, empty 
 if(ORVO_SANITIZE)
   add_compile_options(-fsanitize=${ORVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ORVO_SANITIZE})
-  # The instrumentation makes g++ 12 see uninitialised values in std::variant and std::optional that are none.
+endif()
+if(ORVO_SANITIZE OR CMAKE_BUILD_TYPE STREQUAL "Release")
+  # At -O3 and under instrumentation g++ 12 sees uninitialised values in std::variant and std::optional that are none.
   add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
