@@ -89,7 +89,8 @@ void Dictation::beginRecognition() {
     m_microphone.installTap([task = m_task](const QByteArray& samples) { task->append(samples); });
     m_tapInstalled = true;
     m_microphoneOn = true;
-    m_microphone.start(inThisAttempt(&Dictation::microphoneStarted));
+    m_microphone.start(inThisAttempt(&Dictation::microphoneStarted),
+                       inThisAttempt(&Dictation::microphoneLost));
 }
 
 void Dictation::microphoneStarted(Result<void> started) {
@@ -101,10 +102,14 @@ void Dictation::microphoneStarted(Result<void> started) {
     });
 }
 
+void Dictation::microphoneLost() {
+    breakOff();
+}
+
 void Dictation::received(std::optional<Transcription> result, std::optional<Error> error) {
     if (result) Q_EMIT heard(result->text);
     if (error) {
-        end(tr("Dictation ended. Check your microphone, language, and connection; your draft is kept."));
+        breakOff();
     } else if (result && result->isFinal) {
         end(tr("Dictation finished. Review your draft before using it."));
     }
@@ -117,6 +122,10 @@ void Dictation::stop() {
 void Dictation::refuse(const QString& message) {
     assume(false, false);
     Q_EMIT said(message);
+}
+
+void Dictation::breakOff() {
+    end(tr("Dictation ended. Check your microphone, language, and connection; your draft is kept."));
 }
 
 void Dictation::end(const QString& message) {

@@ -48,9 +48,12 @@ private:
     void recognitionAnswered(bool granted);
     void beginRecognition();
     void microphoneStarted(Result<void> started);
+    void microphoneLost();
     void received(std::optional<Transcription> result, std::optional<Error> error);
     /// A request that came to nothing before anything was started.
     void refuse(const QString& message);
+    /// Ends everything because something outside failed.
+    void breakOff();
     /// Ends everything and says so in these words.
     void end(const QString& message);
     void assume(bool requesting, bool listening);

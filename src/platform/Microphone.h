@@ -21,6 +21,8 @@ class Microphone {
 public:
     using Answer = std::function<void(bool granted)>;
     using Started = std::function<void(Result<void>)>;
+    /// The input has gone while it was on, or brings nothing any more.
+    using Lost = std::function<void()>;
     /// Takes signed 16-bit samples in the order of the machine, channels interleaved.
     using Tap = std::function<void(const QByteArray& samples)>;
 
@@ -36,8 +38,9 @@ public:
     virtual void installTap(Tap tap) = 0;
     /// `tap` is not called any more when this returns.
     virtual void removeTap() = 0;
-    /// `started` comes later, on any thread; a `stop` before it may keep it from coming.
-    virtual void start(Started started) = 0;
+    /// `started` comes later, on any thread; a `stop` before it may keep it from coming. After a good start
+    /// `lost` may come, once and on any thread too; the input is to be stopped then all the same.
+    virtual void start(Started started, Lost lost) = 0;
     virtual void stop() = 0;
 };
 

@@ -131,7 +131,7 @@ TEST_F(VoiceTest, WhatIsHeardFollowsTheDraft) {
     }
 }
 
-TEST_F(VoiceTest, AFinalResultOrAnErrorEndsListening) {
+TEST_F(VoiceTest, AFinalResultAnErrorOrALostMicrophoneEndsListening) {
     listen();
     hear("done", true);
     EXPECT_EQ(m_model.draft(), text("done"));
@@ -151,6 +151,12 @@ TEST_F(VoiceTest, AFinalResultOrAnErrorEndsListening) {
     deliver();
     expectIdle(endedMessage);
     EXPECT_EQ(m_model.draft(), text("half"));
+
+    listen();
+    m_microphone.lost();
+    deliver();
+    expectIdle(endedMessage);
+    EXPECT_EQ(m_microphone.log.mid(m_microphone.log.size() - 2), QStringList({text("stop"), text("untap")}));
 }
 
 TEST_F(VoiceTest, AMinuteOfListeningIsTheMost) {

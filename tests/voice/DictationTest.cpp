@@ -164,6 +164,58 @@ TEST_F(DictationTest, TogglingQuicklyEndsInSilence) {
     EXPECT_TRUE(waitFor([&recordings] { return recordings() == 2; }));
 }
 
+TEST_F(DictationTest, ASoundServerThatGoesEndsTheDictationAndANewOneIsFound) {
+    CompanionModel model(services());
+    {
+        SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+        ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+        model.toggleMicrophone();
+        ASSERT_TRUE(waitFor([&model] { return model.listening(); }));
+        kill(static_cast<pid_t>(sound.pid()), SIGKILL);
+    }
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    EXPECT_TRUE(waitFor([&model] { return !model.listening(); }));
+    EXPECT_EQ(model.message(), QStringLiteral("Dictation ended. Check your microphone, language, and "
+                                              "connection; your draft is kept."));
+    EXPECT_TRUE(waitFor([&model] {
+        if (!model.voiceBusy()) model.toggleMicrophone();
+        return model.listening();
+    })) << model.message().toStdString();
+}
+
+TEST_F(DictationTest, ASoundServerThatHangsHoldsUpNothing) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    const auto server = static_cast<pid_t>(sound.pid());
+    QElapsedTimer timer;
+    {
+        VoiceServices voice(nullptr);
+        CompanionModel model({.preferences = nullptr,
+                              .clock = m_clock,
+                              .dialogs = m_dialogs,
+                              .images = m_images,
+                              .microphone = voice.microphone(),
+                              .recognition = voice.recognition(),
+                              .synthesizer = voice.synthesizer(),
+                              .builtInPet = nullptr,
+                              .locale = QStringLiteral("en_US")});
+        kill(server, SIGSTOP);
+        timer.start();
+        model.toggleMicrophone();
+        EXPECT_LT(timer.elapsed(), 100);
+        EXPECT_TRUE(becomesIdle(model));
+        EXPECT_EQ(model.message(), QStringLiteral("No microphone input is available."));
+        timer.start();
+        model.toggleMicrophone();
+        model.toggleMicrophone();
+        EXPECT_LT(timer.elapsed(), 100);
+        EXPECT_EQ(model.message(), QStringLiteral("Microphone off. Your draft is ready to review."));
+        timer.start();
+    }
+    EXPECT_LT(timer.elapsed(), 2000) << "the end of the application";
+}
+
 TEST_F(DictationTest, ACommandOfThePersonsOwnRecognises) {
     SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();

@@ -90,6 +90,7 @@ SoundServer::SoundServer(Microphone microphone) {
 }
 
 SoundServer::~SoundServer() {
+    if (pid() > 1) (void)kill(static_cast<pid_t>(pid()), SIGCONT);
     m_server.terminate();
     if (!m_server.waitForFinished(5000)) {
         m_server.kill();

@@ -26,6 +26,7 @@ public:
 
     /// Why it does not run; empty when it does.
     const QString& fault() const { return m_fault; }
+    qint64 pid() const { return m_server.processId(); }
 
 private:
     QProcess m_server;

@@ -14,6 +14,7 @@ public:
     AudioFormat format{48000, 1};
     Answer access;
     Started started;
+    Lost lost;
     Tap tap;
 
     void requestAccess(Answer answer) override {
@@ -29,9 +30,10 @@ public:
         log.append(QStringLiteral("untap"));
         tap = {};
     }
-    void start(Started answer) override {
+    void start(Started answer, Lost newLost) override {
         log.append(QStringLiteral("start"));
         started = std::move(answer);
+        lost = std::move(newLost);
     }
     void stop() override { log.append(QStringLiteral("stop")); }
 };

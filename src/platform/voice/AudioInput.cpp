@@ -1,13 +1,10 @@
 #include "platform/voice/AudioInput.h"
 
-#include <QAudioDevice>
-#include <QAudioFormat>
-#include <QAudioSource>
-#include <QMediaDevices>
-#include <QThread>
-#include <QTimer>
+#include "platform/SerialQueue.h"
+#include "platform/voice/PulseConnection.h"
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 
 namespace orvo {
@@ -15,14 +12,31 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A sound server that has not named its microphones by then hangs.
-constexpr auto longestSearch = 8s;
-// What the end of the application may wait for the audio thread.
-constexpr auto farewell = 500ms;
+// A microphone that is on brings a piece of sound every few hundredths of a second, silence included.
+constexpr auto longestGap = 3s;
 
-AudioFormat described(const QAudioFormat& format) {
-    return {.sampleRate = static_cast<double>(format.sampleRate()), .channels = format.channelCount()};
+tl::unexpected<Error> notOpened(const QString& message) {
+    return failure(QStringLiteral("OrvoSound"), message);
 }
+
+/// Cuts a stream of sound into pieces of one size.
+class Pieces {
+public:
+    Pieces(qsizetype size, Microphone::Tap take) : m_size(size), m_take(std::move(take)) {}
+
+    void append(const char* samples, size_t size) {
+        m_rest.append(samples, static_cast<qsizetype>(size));
+        qsizetype taken = 0;
+        for (; m_rest.size() - taken >= m_size; taken += m_size)
+            m_take(m_rest.mid(taken, m_size));
+        m_rest.remove(0, taken);
+    }
+
+private:
+    const qsizetype m_size;
+    const Microphone::Tap m_take;
+    QByteArray m_rest;
+};
 
 }  // namespace
 
@@ -31,12 +45,17 @@ struct AudioInput::Shared {
     /// Held while the tap runs, so that its removal waits for it.
     std::mutex tapMutex;
     Tap tap;
-    std::mutex formatMutex;
-    AudioFormat format;
+    mutable std::mutex sourceMutex;
+    std::optional<PulseConnection::Source> source;
+    std::atomic<bool> leave = false;
 
-    void setFormat(AudioFormat found) {
-        const std::lock_guard lock(formatMutex);
-        format = found;
+    void setSource(std::optional<PulseConnection::Source> found) {
+        const std::lock_guard lock(sourceMutex);
+        source = std::move(found);
+    }
+    std::optional<PulseConnection::Source> currentSource() const {
+        const std::lock_guard lock(sourceMutex);
+        return source;
     }
     void pass(const QByteArray& samples) {
         const std::lock_guard lock(tapMutex);
@@ -44,96 +63,38 @@ struct AudioInput::Shared {
     }
 };
 
-/// Lives on the audio thread: the sound server is waited for here.
-class AudioInput::Capture : public QObject {
-public:
-    explicit Capture(std::shared_ptr<Shared> shared) : m_shared(std::move(shared)) {}
-
-    void findMicrophone() {
-        m_device = QMediaDevices::defaultAudioInput();
-        m_format = {};
-        if (!m_device.isNull()) {
-            m_format = m_device.preferredFormat();
-            m_format.setSampleFormat(QAudioFormat::Int16);
-        }
-        m_shared->setFormat(described(m_format));
-    }
-
-    bool start() {
-        stop();
-        if (m_device.isNull() || !m_format.isValid()) return false;
-        m_source = std::make_unique<QAudioSource>(m_device, m_format);
-        QIODevice* sound = m_source->start();
-        if (!sound || m_source->error() != QAudio::NoError) {
-            m_source.reset();
-            return false;
-        }
-        connect(sound, &QIODevice::readyRead, this, [this, sound] { take(sound->readAll()); });
-        return true;
-    }
-
-    void stop() {
-        if (m_source) m_source->stop();
-        m_source.reset();
-        m_rest.clear();
-    }
-
-private:
-    void take(const QByteArray& sound) {
-        m_rest += sound;
-        const qsizetype piece = m_format.bytesForFrames(framesInAPiece);
-        qsizetype passed = 0;
-        for (; m_rest.size() - passed >= piece; passed += piece)
-            m_shared->pass(m_rest.mid(passed, piece));
-        m_rest.remove(0, passed);
-    }
-
-    const std::shared_ptr<Shared> m_shared;
-    QAudioDevice m_device;
-    QAudioFormat m_format;
-    std::unique_ptr<QAudioSource> m_source;
-    QByteArray m_rest;
+/// From one `start` to its `stop`.
+struct AudioInput::Recording {
+    std::atomic<bool> stopped = false;
 };
 
 AudioInput::AudioInput() : m_shared(std::make_shared<Shared>()) {}
 
 AudioInput::~AudioInput() {
+    m_shared->leave = true;
+    stop();
     removeTap();
-    if (!m_thread) return;
-    m_capture->deleteLater();
-    m_thread->quit();
-    // A thread that waits for a hanging sound server ends with the process.
-    if (m_thread->wait(QDeadlineTimer(farewell))) delete m_thread;
 }
 
-void AudioInput::onAudioThread(std::function<void(Capture&)> work) {
-    if (!m_thread) {
-        m_thread = new QThread;
-        m_thread->setObjectName(QStringLiteral("orvo.audio"));
-        m_capture = new Capture(m_shared);
-        m_capture->moveToThread(m_thread);
-        m_thread->start(QThread::TimeCriticalPriority);
-    }
-    QMetaObject::invokeMethod(
-        m_capture, [capture = m_capture, work = std::move(work)] { work(*capture); }, Qt::QueuedConnection);
+SerialQueue* AudioInput::audioThread() {
+    if (!m_thread) m_thread = SerialQueue::create("orvo.audio");
+    return m_thread.get();
 }
 
 void AudioInput::requestAccess(Answer answer) {
-    m_shared->setFormat({});
-    const auto once = std::make_shared<std::atomic<bool>>(false);
-    const auto answered = [once, answer = std::move(answer)] {
-        if (!once->exchange(true)) answer(true);
-    };
-    onAudioThread([answered](Capture& capture) {
-        capture.findMicrophone();
-        answered();
+    m_shared->setSource(std::nullopt);
+    SerialQueue* thread = audioThread();
+    if (!thread) return answer(true);
+    thread->async([shared = m_shared, answer = std::move(answer)] {
+        PulseConnection connection(shared->leave);
+        if (connection.open()) shared->setSource(connection.findSource());
+        answer(true);
     });
-    QTimer::singleShot(longestSearch, &m_context, answered);
 }
 
 AudioFormat AudioInput::inputFormat() const {
-    const std::lock_guard lock(m_shared->formatMutex);
-    return m_shared->format;
+    const auto source = m_shared->currentSource();
+    return source ? source->format : AudioFormat();
 }
 
 void AudioInput::installTap(Tap tap) {
@@ -147,16 +108,38 @@ void AudioInput::removeTap() {
     removed.swap(m_shared->tap);
 }
 
-void AudioInput::start(Started started) {
-    onAudioThread([started = std::move(started)](Capture& capture) {
-        if (capture.start()) return started({});
-        started(failure(QStringLiteral("OrvoSound"), tr("the sound server does not open it.")));
-    });
+void AudioInput::start(Started started, Lost lost) {
+    stop();
+    SerialQueue* thread = audioThread();
+    if (!thread) return started(notOpened(tr("the system has no thread left.")));
+    m_recording = std::make_shared<Recording>();
+    thread->async([shared = m_shared, recording = m_recording, started = std::move(started),
+                   lost = std::move(lost)] { record(*shared, *recording, started, lost); });
+}
+
+void AudioInput::record(Shared& shared, const Recording& recording, const Started& started,
+                        const Lost& lost) {
+    if (recording.stopped) return;
+    const auto source = shared.currentSource();
+    if (!source) return started(notOpened(tr("there is none.")));
+    PulseConnection connection(shared.leave);
+    if (!connection.open() || !connection.record(*source, framesInAPiece))
+        return started(notOpened(tr("the sound server does not open it (%1).").arg(connection.reason())));
+    started({});
+    Pieces pieces(qsizetype{framesInAPiece} * source->format.channels * qsizetype{sizeof(qint16)},
+                  [&shared](const QByteArray& samples) { shared.pass(samples); });
+    auto lastSound = std::chrono::steady_clock::now();
+    while (!recording.stopped) {
+        const bool isOn = connection.listen([&](const char* samples, size_t size) {
+            lastSound = std::chrono::steady_clock::now();
+            if (!recording.stopped) pieces.append(samples, size);
+        });
+        if (!isOn || std::chrono::steady_clock::now() - lastSound > longestGap) return lost();
+    }
 }
 
 void AudioInput::stop() {
-    if (!m_thread) return;
-    onAudioThread([](Capture& capture) { capture.stop(); });
+    if (const auto recording = std::exchange(m_recording, nullptr)) recording->stopped = true;
 }
 
 }  // namespace orvo

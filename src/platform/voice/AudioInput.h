@@ -3,16 +3,15 @@
 #include "platform/Microphone.h"
 
 #include <QCoreApplication>
-#include <QObject>
 
 #include <memory>
 
-class QThread;
-
 namespace orvo {
 
-/// The person's default microphone, through the desktop's sound server. Nothing is loaded and no thread
-/// started before access is asked for.
+class SerialQueue;
+
+/// The person's default microphone, through the desktop's sound server. There is a connection to it while
+/// access is asked for and while the microphone is on, and a thread from the first question on.
 class AudioInput final : public Microphone {
     Q_DECLARE_TR_FUNCTIONS(AudioInput)
 
@@ -30,21 +29,20 @@ public:
     AudioFormat inputFormat() const override;
     void installTap(Tap tap) override;
     void removeTap() override;
-    void start(Started started) override;
+    void start(Started started, Lost lost) override;
     void stop() override;
 
 private:
-    class Capture;
     struct Shared;
+    struct Recording;
 
-    /// Runs `work` on the audio thread, after all that was given to it before.
-    void onAudioThread(std::function<void(Capture&)> work);
+    static void record(Shared& shared, const Recording& recording, const Started& started, const Lost& lost);
+    /// Null when the system has no thread left.
+    SerialQueue* audioThread();
 
     const std::shared_ptr<Shared> m_shared;
-    QThread* m_thread = nullptr;
-    Capture* m_capture = nullptr;
-    /// Ends the waiting for a sound server that hangs with this object.
-    QObject m_context;
+    std::shared_ptr<Recording> m_recording;
+    std::shared_ptr<SerialQueue> m_thread;
 };
 
 }  // namespace orvo

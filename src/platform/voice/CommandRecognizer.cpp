@@ -118,7 +118,7 @@ public:
 
 private:
     template <class Step>
-    void post(Step step) {
+    void post(const Step& step) {
         // The pointer is looked at on the main thread only, where the run lives and ends.
         QMetaObject::invokeMethod(
             qApp,

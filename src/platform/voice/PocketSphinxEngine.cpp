@@ -99,7 +99,7 @@ private:
             } else {
                 silentSamples += piece.size() / static_cast<qsizetype>(sizeof(qint16));
             }
-            if (!sentences.isEmpty() && silentSamples > secondsOfSilence * SpeechSound::sampleRate)
+            if (!sentences.isEmpty() && silentSamples > qsizetype(secondsOfSilence) * SpeechSound::sampleRate)
                 finish(model);
         }
         void finish(PocketSphinxModel& model) {
@@ -133,7 +133,7 @@ private:
     };
 
     template <class Step>
-    void post(Step step) {
+    void post(const Step& step) {
         Listener::post(m_listener, [state = m_state, step](Listener& listener) {
             if (state->cancelled || state->failed) return;
             PocketSphinxModel* model = listener.model();

@@ -1,12 +1,11 @@
 #include "platform/voice/SpeechDispatcherSynthesizer.h"
 
 #include "platform/SerialQueue.h"
+#include "platform/voice/SignalsOpen.h"
 
 #include <QTimer>
 
 #include <libspeechd.h>
-
-#include <csignal>
 
 #include <algorithm>
 #include <atomic>
@@ -31,24 +30,6 @@ constexpr auto farewell = 250ms;
 tl::unexpected<Error> unavailable(const QString& sentence) {
     return failure(QStringLiteral("OrvoSpeech"), sentence);
 }
-
-/// The service is a process of its own that outlives this one. It must not inherit the blocked signals of the
-/// thread that happens to start it.
-class SignalsOpen {
-public:
-    SignalsOpen() {
-        sigset_t open;
-        sigemptyset(&open);
-        sigaddset(&open, SIGPIPE);
-        pthread_sigmask(SIG_SETMASK, &open, &m_before);
-    }
-    ~SignalsOpen() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsOpen(const SignalsOpen&) = delete;
-    SignalsOpen& operator=(const SignalsOpen&) = delete;
-
-private:
-    sigset_t m_before;
-};
 
 /// Control characters end the sentence of some voices, and of one the process.
 QByteArray readable(QString text) {

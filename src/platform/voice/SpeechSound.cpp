@@ -44,15 +44,15 @@ QByteArray SpeechSound::toOneChannel(const QByteArray& samples) const {
 }
 
 QByteArray SpeechSound::convert(const QByteArray& samples) {
-    const QByteArray mixed = toOneChannel(samples);
+    QByteArray mixed = toOneChannel(samples);
     if (!m_resampler) return mixed;
     auto taken = static_cast<spx_uint32_t>(static_cast<size_t>(mixed.size()) / sizeof(spx_int16_t));
     // One more than the ratio says, for what an earlier piece left over.
     auto given = static_cast<spx_uint32_t>(std::ceil(taken * sampleRate / m_format.sampleRate)) + 1;
-    QByteArray converted(static_cast<qsizetype>(given * sizeof(spx_int16_t)), Qt::Uninitialized);
+    QByteArray converted(qsizetype{given} * qsizetype{sizeof(spx_int16_t)}, Qt::Uninitialized);
     speex_resampler_process_int(m_resampler.get(), 0, reinterpret_cast<const spx_int16_t*>(mixed.constData()),
                                 &taken, reinterpret_cast<spx_int16_t*>(converted.data()), &given);
-    converted.truncate(static_cast<qsizetype>(given * sizeof(spx_int16_t)));
+    converted.truncate(qsizetype{given} * qsizetype{sizeof(spx_int16_t)});
     return converted;
 }
 
