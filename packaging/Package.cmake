@@ -19,6 +19,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Beside the libraries: the shell of every session.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS zsh)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-inter, fonts-jetbrains-mono, fonts-noto-color-emoji, python3")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
+  "fonts-inter, fonts-jetbrains-mono, fonts-noto-color-emoji, python3, qt6-image-formats-plugins, \
+speech-dispatcher, speech-dispatcher-espeak-ng, pocketsphinx-en-us")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland, fonts-noto-cjk")
 include(CPack)

@@ -6,7 +6,7 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <cstring>
+#include <cstddef>
 #include <ctime>
 #include <exception>
 #include <string_view>
@@ -30,7 +30,7 @@ constexpr std::array faults = {Fault{SIGSEGV, "SIGSEGV"}, Fault{SIGBUS, "SIGBUS"
                                Fault{SIGILL, "SIGILL"}, Fault{SIGABRT, "SIGABRT"}};
 
 // The unwinder needs a few KiB of the handler's stack, and more for deep frames.
-constexpr std::size_t handlerStackSize = 64 * 1024;
+constexpr std::size_t handlerStackSize = 65'536;
 constexpr int deepestFrames = 100;
 // Writing takes milliseconds. A handler that hangs, say on the dynamic linker's lock, must not keep the
 // process.
@@ -52,7 +52,7 @@ class SafeText {
 public:
     SafeText& operator<<(std::string_view text) {
         const std::size_t taken = std::min(text.size(), Size - 1 - m_length);
-        std::memcpy(m_text.data() + m_length, text.data(), taken);
+        std::copy_n(text.begin(), taken, m_text.begin() + static_cast<std::ptrdiff_t>(m_length));
         m_length += taken;
         return *this;
     }
@@ -151,7 +151,7 @@ void handleFault(int number) {
 void installCrashHandler(const FilePath& folder, const QByteArray& version) {
     // Room for the name of the file.
     constexpr std::size_t longestName = 64;
-    const QByteArray path = folder.bytes();
+    const QByteArray& path = folder.bytes();
     if (static_cast<std::size_t>(path.size()) + longestName >= folderPath.size()) return;
     std::ranges::copy(path, folderPath.begin());
     folderLength = static_cast<std::size_t>(path.size());

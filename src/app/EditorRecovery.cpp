@@ -22,7 +22,7 @@ namespace {
 
 constexpr char suffix[] = ".unsaved.json";
 // A buffer is opened from at most two million bytes; what was typed since then may have multiplied it.
-constexpr qsizetype maximumFile = 64 * 1024 * 1024;
+constexpr qsizetype maximumFile = qsizetype{64} * 1024 * 1024;
 
 struct UnsavedText {
     std::optional<FilePath> file;

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr auto retryInterval = 50ms;
 // One path and a token; more is not ours.
-constexpr qint64 longestRequest = 64 * 1024;
+constexpr qint64 longestRequest = qint64{64} * 1024;
 constexpr char taken[] = "ok\n";
 
 QDataStream& setUp(QDataStream& stream) {
@@ -100,8 +100,8 @@ Result<SingleInstance::Claim> SingleInstance::claim(const FilePath& folder, cons
     while (true) {
         Result<std::optional<FileDescriptor>> place = lock(folder.child("orvo-ai.lock"));
         if (!place) return tl::unexpected(place.error());
-        if (*place) {
-            return Claim(std::unique_ptr<SingleInstance>(new SingleInstance(*std::move(*place), socket)));
+        if (std::optional<FileDescriptor>& held = *place) {
+            return Claim(std::unique_ptr<SingleInstance>(new SingleInstance(*std::move(held), socket)));
         }
         if (handOver(socket, request, deadline)) return Claim(HandedOver());
         if (deadline.hasExpired()) {

@@ -3,6 +3,7 @@
 #include "app/MainWindow.h"
 #include "app/Options.h"
 #include "app/OrvoApplication.h"
+#include "app/QtArguments.h"
 #include "app/SingleInstance.h"
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
@@ -24,7 +25,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
-#include <vector>
+#include <optional>
 
 using namespace orvo;
 
@@ -34,38 +35,6 @@ constexpr int usageError = 2;
 
 FilePath currentFolder() {
     return FilePath(QFile::encodeName(QDir::currentPath()));
-}
-
-/// Qt's own arguments. Ours are read already, and what is set in the environment instead would be inherited
-/// by the programs that are started from here.
-class QtArguments {
-public:
-    explicit QtArguments(const char* program) : m_texts{program} {
-        // Wayland lets no program place, raise or type into windows, so the X server is preferred where there
-        // is one.
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
-            m_texts += {"-platform", "xcb"};
-        }
-        for (QByteArray& text : m_texts)
-            m_pointers.push_back(text.data());
-        m_pointers.push_back(nullptr);
-        m_count = static_cast<int>(m_texts.size());
-    }
-
-    int& count() { return m_count; }
-    char** values() { return m_pointers.data(); }
-
-private:
-    QByteArrayList m_texts;
-    std::vector<char*> m_pointers;
-    int m_count = 0;
-};
-
-bool hasDisplay() {
-    for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
-        if (!qEnvironmentVariableIsEmpty(variable)) return true;
-    }
-    return false;
 }
 
 /// What the desktop gave this start; taken away so that children do not inherit it.
@@ -81,10 +50,11 @@ struct Place {
     int status = 0;
 };
 
-Place claimPlace(const Options& options, const QByteArray& activationToken) {
+Place claimPlace(const Options& options, const FilePath& dataFolder, const QByteArray& activationToken) {
+    // Empty when the session's folder is somebody else's, as after a change of the account.
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     Result<SingleInstance::Claim> claim = SingleInstance::claim(
-        FilePath::fromString(folder),
+        folder.isEmpty() ? dataFolder : FilePath::fromString(folder),
         {.workspace = options.workspace, .errand = options.errand, .activationToken = activationToken});
     if (!claim) {
         std::fprintf(stderr, "orvo: %s\n", qUtf8Printable(claim.error().message));
@@ -97,8 +67,13 @@ Place claimPlace(const Options& options, const QByteArray& activationToken) {
 }
 
 int showWindow(const char* program, const Options& options) {
+    const Result<QByteArrayList> display = displayOptions();
+    if (!display) {
+        std::fprintf(stderr, "orvo: %s\n", qUtf8Printable(display.error().message));
+        return 1;
+    }
     const QByteArray activationToken = takeActivationToken();
-    QtArguments arguments(program);
+    QtArguments arguments(program, *display);
     QApplication application(arguments.count(), arguments.values());
     // Qt has read what the desktop wants to be told once the window is there.
     qunsetenv("DESKTOP_STARTUP_ID");
@@ -109,25 +84,23 @@ int showWindow(const char* program, const Options& options) {
     // The application ends with its quit sequence, never because some window closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
-    // A transient run leaves alone what belongs to the instance with the window.
-    const bool isTransient = options.capture.has_value();
-    Place place;
-    if (!isTransient) {
-        place = claimPlace(options, activationToken);
-        if (!place.instance) return place.status;
-    }
-
     SystemClock clock;
     const AppPlaces places{.folders = AppFolders::fromProcess(),
                            .exampleSource = ExampleProject::installedSource(
                                FilePath::fromString(QCoreApplication::applicationDirPath()))};
-    // A transient run leaves nothing behind, not even that.
-    if (!isTransient) installCrashHandler(places.crashReports(), versionText().toUtf8());
     const FilePath configuration = places.folders.configuration;
-    FilePreferences preferences(
-        configuration, isTransient ? FilePreferences::Access::ReadOnly : FilePreferences::Access::ReadWrite);
-    if (!isTransient) migratePreferences(preferences, configuration.parent().child("dev.pelk.desktop"));
     const HistoryInbox historyInbox(configuration.child("history.pending"));
+    // A transient run leaves alone what belongs to the instance with the window, and nothing behind.
+    const bool isTransient = options.capture.has_value();
+    Place place;
+    std::optional<FilePreferences> preferences;
+    if (!isTransient) {
+        place = claimPlace(options, places.folders.data, activationToken);
+        if (!place.instance) return place.status;
+        installCrashHandler(places.crashReports(), versionText().toUtf8());
+        preferences.emplace(configuration, FilePreferences::Access::ReadWrite);
+        migratePreferences(*preferences, configuration.parent().child("dev.pelk.desktop"));
+    }
     // Alerts stand over the main window, which is made later than the dialogs it needs.
     MainWindow* window = nullptr;
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
@@ -135,7 +108,7 @@ int showWindow(const char* program, const Options& options) {
     X11DesktopControl desktop;
     LogindSleepInhibitor sleepInhibitor;
     AdoptedPrograms escapedPrograms(clock);
-    OrvoApplication orvo({.preferences = isTransient ? nullptr : &preferences,
+    OrvoApplication orvo({.preferences = preferences ? &*preferences : nullptr,
                           .clock = clock,
                           .dialogs = dialogs,
                           .launcher = launcher,
@@ -176,10 +149,6 @@ int main(int argc, char** argv) {
             return runSelfTest(argc, argv, options->testOutput);
         case Options::Request::Window:
             break;
-    }
-    if (!hasDisplay()) {
-        std::fputs("orvo: There is no display to open a window on. Try orvoctl.\n", stderr);
-        return 1;
     }
     return showWindow(argc > 0 ? argv[0] : "orvo", *options);
 }

@@ -115,6 +115,10 @@ class Arguments(ProgramRun):
         done = self.run_program()
         self.assertEqual((done.returncode, done.stdout), (1, ""))
         self.assertEqual(done.stderr, "orvo: There is no display to open a window on. Try orvoctl.\n")
+        # One that is gone, as in a shell that outlived its desktop session.
+        done = self.run_program(DISPLAY=":6543")
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertEqual(done.stderr, "orvo: The display :6543 does not answer. Try orvoctl.\n")
 
 
 class Capture(ProgramRun):
@@ -144,7 +148,7 @@ class Capture(ProgramRun):
             self.assertTrue(line.startswith("Capture error: "), line)
 
 
-class Crash(ProgramRun):
+class Window(ProgramRun):
     def start(self):
         return subprocess.Popen([PROGRAM], env={**self.environment, "QT_QPA_PLATFORM": "offscreen"},
                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -158,7 +162,19 @@ class Crash(ProgramRun):
             self.assertLess(time.monotonic(), end, f"waited in vain for {what}")
             time.sleep(0.05)
 
-    def test_leaves_a_report_that_the_next_start_tells_of(self):
+    def test_starts_where_the_folder_of_the_session_is_somebody_elses(self):
+        if os.getuid() != 0:
+            self.skipTest("only root can give a folder away")
+        os.chown(self.root / "run", 65534, 65534)
+        first = self.start()
+        self.addCleanup(first.wait)
+        self.addCleanup(first.kill)
+        self.wait_for("the window", (self.root / "data/Orvo AI/Example Project/README.md").exists)
+        later = self.run_program(QT_QPA_PLATFORM="offscreen")
+        self.assertEqual((later.returncode, later.stdout), (0, ""), "it is still one window")
+        self.assertIsNone(first.poll())
+
+    def test_a_fault_leaves_a_report_that_the_next_start_tells_of(self):
         first = self.start()
         self.addCleanup(first.wait)
         self.addCleanup(first.kill)

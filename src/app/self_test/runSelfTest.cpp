@@ -1,3 +1,4 @@
+#include "app/QtArguments.h"
 #include "app/exampleProject.h"
 #include "app/self_test/SelfTest.h"
 #include "platform/linux/LogindSleepInhibitor.h"
@@ -7,7 +8,6 @@
 
 #include <QGuiApplication>
 
-#include <array>
 #include <cstdio>
 
 namespace orvo {
@@ -36,11 +36,8 @@ public:
 int runSelfTest(int argc, char** argv, const std::optional<FilePath>& reportFolder) {
     // Drawing is tried without a display; a desktop's own theme would want one.
     qunsetenv("QT_QPA_PLATFORMTHEME");
-    std::array program = {argc > 0 ? QByteArray(argv[0]) : QByteArray("orvo"), QByteArray("-platform"),
-                          QByteArray("offscreen")};
-    std::array arguments = {program[0].data(), program[1].data(), program[2].data()};
-    int count = static_cast<int>(arguments.size());
-    QGuiApplication application(count, arguments.data());
+    QtArguments arguments(argc > 0 ? argv[0] : "orvo", {"-platform", "offscreen"});
+    const QGuiApplication application(arguments.count(), arguments.values());
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));
     QCoreApplication::setApplicationVersion(versionText());
 

@@ -2,7 +2,8 @@
 
 #include "app/self_test/SelfTest.h"
 #include "appearance/controls/symbols.h"
-#include "platform/ToolEnvironment.h"
+#include "platform/SpeechRecognition.h"
+#include "platform/voice/VoiceServices.h"
 #include "workspace/Workspace.h"
 
 #include <QColor>
@@ -14,6 +15,7 @@
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
+#include <QStandardPaths>
 
 #include <array>
 
@@ -105,6 +107,11 @@ Finding servicesAreNamed(const CheckRoom&) {
     Presence system;
     missing += missingOn(QDBusConnection::systemBus(),
                          {{"org.freedesktop.login1", tr("keeping the computer awake")}}, system);
+    if (QStandardPaths::findExecutable(QStringLiteral("speech-dispatcher")).isEmpty()) {
+        missing.append(tr("reading aloud"));
+    }
+    VoiceServices voice(nullptr);
+    if (!voice.recognition().recognizer(QStringLiteral("en_US"))) missing.append(tr("dictation in English"));
     if (session == Presence::Missing) missing.prepend(tr("the session bus"));
     if (system == Presence::Missing) missing.prepend(tr("the system bus"));
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
