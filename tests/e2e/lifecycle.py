@@ -1,6 +1,6 @@
 """How runs of the program begin and end, in a real window.
 
-Usage: lifecycle.py PROGRAM PICTURES SCENARIO
+Usage: lifecycle.py PROGRAM PICTURES SCENARIO SESSION_MANAGER
 """
 import os
 import pathlib
@@ -14,7 +14,7 @@ import time
 from desktop import Program, press_key, text_of, type_text, wait_for, xdotool
 from home import make_home
 
-BINARY = ""
+BINARY = SESSION_MANAGER = ""
 PICTURES = pathlib.Path()
 NO_ASSISTANT = "#!/bin/sh\nexit 1\n"
 
@@ -282,6 +282,43 @@ def restore(program):
     wait_for("the answer", lambda: not program.all(name="Restore your unsaved changes?"))
 
 
+def log_out(home):
+    manager = subprocess.Popen([SESSION_MANAGER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    try:
+        word, address = manager.stdout.readline().split()
+        assert word == "address"
+        program = home.start("--workspace", str(home.project), "--new-terminal",
+                             environment={"SESSION_MANAGER": address})
+        assert manager.stdout.readline() == "client registered\n"
+        program.find("terminal")
+        program.press("Files & runner")
+        program.click(program.find("list item", "README.md"))
+        editor = program.find("text", "Code editor")
+        wait_for("the file", lambda: text_of(editor) == "# Harbor notes\n")
+        program.click(editor)
+        press_key("ctrl+End")
+        type_text("half a thought")
+        wait_for("the text", lambda: text_of(editor).endswith("thought"))
+
+        # Neither the session nor the unsaved text holds up a log-out.
+        manager.stdin.write("log out\n")
+        manager.stdin.flush()
+        assert wait_until_ended(program) == 0
+        said = manager.stdout.read().splitlines()
+        assert said[-2:] == ["saved yes", "client gone"], said
+        # The next log-in starts it again, in words that it understands.
+        restart = [line.removeprefix("restart ") for line in said if line.startswith("restart ")]
+        assert restart == [BINARY], restart
+        assert manager.wait(30) == 0
+    finally:
+        manager.kill()
+        manager.wait()
+
+    program = home.start("--workspace", str(home.project))
+    restore(program)
+    assert text_of(program.find("text", "Code editor")) == "# Harbor notes\nhalf a thought"
+
+
 def close_window(program):
     """As the close button of its frame does."""
     window = window_of(program)
@@ -290,10 +327,10 @@ def close_window(program):
 
 
 SCENARIOS = [second_start, killed_instance, children_environment, quit_with_sessions, escaped_program,
-             unsaved_text]
+             log_out, unsaved_text]
 
 if __name__ == "__main__":
-    BINARY, pictures, name = sys.argv[1:]
+    BINARY, pictures, name, SESSION_MANAGER = sys.argv[1:]
     PICTURES = pathlib.Path(pictures)
     shutil.rmtree(PICTURES, ignore_errors=True)
     (scenario,) = [scenario for scenario in SCENARIOS if scenario.__name__ == name]
