@@ -11,7 +11,7 @@ import sys
 import tempfile
 import time
 
-from desktop import Program, press_key, text_of, type_text, wait_for, xdotool
+from desktop import Program, press_key, set_text, text_of, type_text, wait_for, xdotool
 from home import make_home
 
 BINARY = SESSION_MANAGER = ""
@@ -112,6 +112,59 @@ def second_start(home):
         for process in both:
             process.kill()
             process.wait()
+
+
+def menus(home):
+    program = home.start("--workspace", str(home.project))
+    window = wait_for("the window", lambda: window_of(program))
+    xdotool("windowactivate", "--sync", window)
+    press_key("ctrl+comma")
+    program.find(name="Settings", role="label")
+    press_key("ctrl+n")
+    terminal = program.find("terminal")
+
+    # In a terminal plain Ctrl keys are the program's, and those with Shift are the menus'.
+    wait_for("the prompt", lambda: text_of(terminal).strip())
+    program.click(terminal)
+    type_text("cat -v")
+    press_key("Return")
+    for key in ("ctrl+n", "ctrl+q", "ctrl+o", "Return"):
+        press_key(key)
+    # ^Q is start, which the line discipline takes; that the program still runs says where it went.
+    wait_for("the program's keys", lambda: "^N^O" in text_of(terminal).replace("^Q", ""))
+    press_key("ctrl+shift+n")
+    wait_for("the second terminal", lambda: len(program.all("terminal")) == 2)
+    program.picture("menus-1-keys")
+
+    press_key("ctrl+shift+m")
+    wait_for("the minimised window", lambda: is_minimized(window))
+    home.later_start()
+    wait_for("the window in front", lambda: not is_minimized(window) and active_window() == window)
+
+    choose(program, "Orvo AI", "About Orvo AI")
+    about = wait_for("the about panel", lambda: [node for node in program.all("label")
+                                                 if "Your ideas, in orbit." in node.get_name()])
+    assert "A native Mac workspace with a desktop companion." in about[0].get_name()
+    program.picture("menus-2-about")
+    program.press("OK")
+    wait_for("the end of the about panel", lambda: not program.all("push button", "OK"))
+
+    preview = home.root / "preview.png"
+    choose(program, "File", "Export Interface Preview…")
+    name = program.find("text", "File name:")
+    assert text_of(name) == "Orvo-Preview.png"
+    set_text(name, str(preview))
+    press_key("Return")
+    wait_for("the preview", preview.exists)
+    program.find(name="Interface preview exported.")
+    assert preview.read_bytes().startswith(b"\x89PNG")
+
+
+def choose(program, menu, item):
+    """An item of the menu bar, with the mouse."""
+    program.click(program.find("menu item", menu))
+    program.picture(f"menus-{menu}")
+    program.click(program.find("menu item", item))
 
 
 def killed_instance(home):
@@ -326,7 +379,7 @@ def close_window(program):
     press_key("alt+F4")
 
 
-SCENARIOS = [second_start, killed_instance, children_environment, quit_with_sessions, escaped_program,
+SCENARIOS = [menus, second_start, killed_instance, children_environment, quit_with_sessions, escaped_program,
              log_out, unsaved_text]
 
 if __name__ == "__main__":
