@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -176,6 +177,26 @@ TEST(SpeechServiceTest, WithoutAServiceOneSentenceSaysSo) {
                   "Reading aloud is unavailable: the speech service (speech-dispatcher) did not start."));
     EXPECT_EQ(sentenceWith("exec sleep 5", 300ms),
               QStringLiteral("Reading aloud is unavailable: the speech service does not answer."));
+}
+
+TEST_F(ReadAloudTest, AServiceWithoutAVoiceIsNotMistakenForOne) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    // Only the part of the service that plays a recording about missing voices.
+    const QString folder = qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/speech-dispatcher");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile settings(folder + QStringLiteral("/speechd.conf"));
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write("LogLevel 0\nAddModule \"dummy\" \"sd_dummy\" \"\"\n");
+    settings.close();
+    SpeechDispatcherSynthesizer voice;
+    ReadAloud reading(voice, QStringLiteral("en_US"));
+    const auto failed = sentencesOf(reading);
+    reading.speak(longText);
+    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_EQ(*failed,
+              QStringList({QStringLiteral("Reading aloud is unavailable: the speech service has no "
+                                          "voice. Install one, such as speech-dispatcher-espeak-ng.")}));
 }
 
 }  // namespace

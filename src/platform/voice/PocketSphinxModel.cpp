@@ -15,7 +15,8 @@ const char* const dictionary = ORVO_SPEECH_MODELS "/en-us/cmudict-en-us.dict";
 }  // namespace
 
 bool PocketSphinxModel::isInstalledFor(const QString& language) {
-    if (language != QStringLiteral("en")) return false;
+    // "C" is what a system without a language calls its English.
+    if (language != QStringLiteral("en") && language != QStringLiteral("C")) return false;
     for (const char* part : {soundModel, languageModel, dictionary}) {
         if (!QFileInfo::exists(QString::fromUtf8(part))) return false;
     }
