@@ -12,6 +12,9 @@ namespace orvo {
 namespace {
 
 constexpr double radius = 8;
+// The mark of a symbol that opens a menu.
+constexpr int chevron = 12;
+constexpr int chevronGap = 2;
 
 struct Measures {
     int height;
@@ -43,7 +46,7 @@ OrvoButton::OrvoButton(const QString& title, const QString& icon, Kind kind, Siz
 void OrvoButton::adoptKind() {
     const TypeRole regular = isFilled() ? TypeRole::Name : TypeRole::Control;
     setFont(fontOf(m_size == Size::Regular ? regular : TypeRole::SmallControl));
-    if (isSquare()) setToolTip(plainToolTip(title()));
+    if (hidesTitle()) setToolTip(plainToolTip(title()));
     updateGeometry();
     update();
 }
@@ -66,6 +69,12 @@ void OrvoButton::setKind(Kind kind) {
     adoptKind();
 }
 
+void OrvoButton::setFlush(bool flush) {
+    m_flush = flush;
+    updateGeometry();
+    update();
+}
+
 void OrvoButton::setMenu(QMenu* menu) {
     m_menu = menu;
     connect(this, &QAbstractButton::clicked, menu, [this, menu] {
@@ -76,8 +85,9 @@ void OrvoButton::setMenu(QMenu* menu) {
 
 QSize OrvoButton::sizeHint() const {
     const Measures m = measuresOf(m_size);
+    if (m_kind == Kind::MenuOutlined) return {2 * m.padding + m.icon + chevronGap + chevron, m.height};
     if (isSquare()) return {m.height, m.height};
-    const int padding = m_kind == Kind::Link ? 0 : m.padding;
+    const int padding = isBare() ? 0 : m.padding;
     int width = 2 * padding + fontMetrics().horizontalAdvance(title());
     if (!m_icon.isEmpty()) width += m.icon + m.gap;
     return {width, m.height};
@@ -99,6 +109,7 @@ QColor OrvoButton::inkNow() const {
         case Kind::Plain:
         case Kind::Icon:
         case Kind::IconOutlined:
+        case Kind::MenuOutlined:
             return blended(toQColor(roles.muted), toQColor(roles.text), hover());
     }
     Q_UNREACHABLE();
@@ -130,15 +141,14 @@ void OrvoButton::paintBox(QPainter& painter) const {
     }
     const bool danger = m_kind == Kind::Destructive;
     const QColor clear(Qt::transparent);
-    const bool link = m_kind == Kind::Link;
-    const QColor fill = link ? clear
+    const QColor fill = isBare() ? clear
                         : isDown()
                             ? toQColor(danger ? roles.dangerPressed : roles.pressed)
                             : blended(clear, toQColor(danger ? roles.dangerHover : roles.hover), hover());
     fillRounded(painter, box, radius, fill);
     if (isFocusVisible()) {
         strokeRing(painter, box, radius, toQColor(roles.accent));
-    } else if (m_kind == Kind::Outlined || m_kind == Kind::IconOutlined) {
+    } else if (m_kind == Kind::Outlined || m_kind == Kind::IconOutlined || m_kind == Kind::MenuOutlined) {
         strokeRounded(painter, box, radius,
                       blended(toQColor(roles.border), toQColor(roles.borderStrong), hover()));
     } else if (danger) {
@@ -155,6 +165,13 @@ void OrvoButton::paintEvent(QPaintEvent*) {
     paintBox(painter);
 
     const Measures m = measuresOf(m_size);
+    if (m_kind == Kind::MenuOutlined) {
+        const int x = (width() - m.icon - chevronGap - chevron) / 2;
+        paintSymbol(painter, QRectF(x, 0, m.icon, height()), m_icon, iconInkNow(), m.icon);
+        paintSymbol(painter, QRectF(x + m.icon + chevronGap, 0, chevron, height()),
+                    QStringLiteral("chevron.down"), iconInkNow(), chevron);
+        return;
+    }
     if (isSquare()) {
         paintSymbol(painter, rect(), m_icon, iconInkNow(), m.icon);
         return;

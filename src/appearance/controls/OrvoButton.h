@@ -26,6 +26,8 @@ public:
         /// A square with a symbol alone; the title is its accessible name and its tooltip.
         Icon,
         IconOutlined,
+        /// A symbol alone, with the mark of what opens a menu.
+        MenuOutlined,
     };
     /// 32 high; 28 high; 28 high and narrow, for the compact connector card.
     enum class Size { Regular, Small, Compact };
@@ -37,6 +39,9 @@ public:
     void setIconName(const QString& icon);
     void setIconSide(IconSide side);
     void setKind(Kind kind);
+    /// A plain button whose text begins and ends at its edges, so that it lines up with what stands above and
+    /// below it. Its ink alone tells hover.
+    void setFlush(bool flush);
     /// Pops up below the button when it is pressed. The button does not own the menu.
     void setMenu(QMenu* menu);
     QMenu* menu() const { return m_menu; }
@@ -49,7 +54,9 @@ protected:
 
 private:
     bool isSquare() const { return m_kind == Kind::Icon || m_kind == Kind::IconOutlined; }
+    bool hidesTitle() const { return isSquare() || m_kind == Kind::MenuOutlined; }
     bool isFilled() const { return m_kind == Kind::Primary || m_kind == Kind::DestructiveFilled; }
+    bool isBare() const { return m_kind == Kind::Link || m_flush; }
     void adoptKind();
     void paintBox(QPainter& painter) const;
     QColor inkNow() const;
@@ -60,6 +67,7 @@ private:
     Kind m_kind;
     Size m_size;
     IconSide m_iconSide = IconSide::Leading;
+    bool m_flush = false;
 };
 
 }  // namespace orvo

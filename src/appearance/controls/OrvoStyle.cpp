@@ -21,6 +21,15 @@ namespace orvo {
 
 OrvoStyle::OrvoStyle(const Roles& roles) : QProxyStyle(QStringLiteral("Fusion")), m_roles(roles) {}
 
+void OrvoStyle::setMotion(Motion motion) {
+    if (m_motion == motion) return;
+    m_motion = motion;
+    for (QWidget* const widget : QApplication::allWidgets()) {
+        QEvent changed(QEvent::StyleChange);
+        QCoreApplication::sendEvent(widget, &changed);
+    }
+}
+
 QPalette OrvoStyle::paletteOf(const Roles& roles) {
     const QColor text = toQColor(roles.text);
     const QColor surface = toQColor(roles.surface);

@@ -21,7 +21,8 @@ public:
 
     const Roles& roles() const { return m_roles; }
     void setRoles(const Roles& roles) { m_roles = roles; }
-    void setMotion(Motion motion) { m_motion = motion; }
+    /// Widgets that move hear of a change as a style change.
+    void setMotion(Motion motion);
 
     /// The roles as the palette that stock widgets look their colours up in. Muted text is the placeholder
     /// role, accent text the link role, errors are bright text.

@@ -37,7 +37,10 @@ void TaskEditor::setGrowth(int least, int most) {
 }
 
 void TaskEditor::setText(const QString& text) {
-    if (toPlainText() != text) setPlainText(text);
+    if (toPlainText() == text) return;
+    setPlainText(text);
+    // One goes on writing where a text ends.
+    moveCursor(QTextCursor::End);
 }
 
 // A plain text document measures its height in lines.

@@ -7,6 +7,11 @@
 
 namespace orvo {
 
+void Well::setFocused(bool focused) {
+    m_focused = focused;
+    update();
+}
+
 void Well::paintEvent(QPaintEvent*) {
     constexpr double radius = 8;
     const Roles& roles = rolesOf(this);
@@ -16,7 +21,11 @@ void Well::paintEvent(QPaintEvent*) {
         return;
     }
     fillRounded(painter, rect(), radius, toQColor(roles.well));
-    strokeRounded(painter, rect(), radius, toQColor(roles.border));
+    if (m_focused) {
+        strokeRing(painter, rect(), radius, toQColor(roles.accent));
+    } else {
+        strokeRounded(painter, rect(), radius, toQColor(roles.border));
+    }
 }
 
 }  // namespace orvo

@@ -14,11 +14,15 @@ public:
 
     explicit Well(Edge edge = Edge::Boxed, QWidget* parent = nullptr) : QWidget(parent), m_edge(edge) {}
 
+    /// Something in it has the keyboard, and shows it by the well's edge.
+    void setFocused(bool focused);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     Edge m_edge;
+    bool m_focused = false;
 };
 
 }  // namespace orvo
