@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMenuBar>
 #include <QMetaMethod>
+#include <QSystemTrayIcon>
 
 namespace orvo {
 namespace {
@@ -26,12 +27,14 @@ QMenu& addMenu(QMenuBar& bar, const char* title) {
 }
 
 template <class Work>
-void addItem(QMenu& menu, const char* text, const QKeySequence& keys, OrvoApplication& context, Work work) {
+QAction& addItem(QMenu& menu, const char* text, const QKeySequence& keys, OrvoApplication& context,
+                 Work work) {
     QAction* const action = menu.addAction(tr(text));
     action->setShortcut(keys);
     // A role would let a platform move the item or rename it; ours stay where they are.
     action->setMenuRole(QAction::NoRole);
     QObject::connect(action, &QAction::triggered, &context, [work] { work(); });
+    return *action;
 }
 
 void addEditItem(QMenu& menu, const char* text, const QKeySequence& keys, OrvoApplication& context,
@@ -49,6 +52,14 @@ void createMenu(QMenuBar& bar, OrvoApplication& application) {
     main.addSeparator();
     addItem(main, QT_TR_NOOP("Settings…"), Qt::CTRL | Qt::Key_Comma, application,
             [app] { app->showSettings(); });
+    QAction& stopAudio =
+        addItem(main, QT_TR_NOOP("Stop microphone && audio"), {}, application, [app] { app->stopAudio(); });
+    // The status item has it, where the desktop shows status items.
+    const auto adopt = [&stopAudio] {
+        stopAudio.setVisible(!QSystemTrayIcon::isSystemTrayAvailable());
+    };
+    QObject::connect(&main, &QMenu::aboutToShow, &stopAudio, adopt);
+    adopt();
     main.addSeparator();
     addItem(main, QT_TR_NOOP("Hide Orvo AI"), Qt::CTRL | Qt::Key_H, application, [app] { app->hide(); });
     main.addSeparator();

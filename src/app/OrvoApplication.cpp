@@ -4,6 +4,8 @@
 #include "app/Menu.h"
 #include "app/exampleProject.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "companion/ui/CompanionController.h"
+#include "companion/ui/builtInPet.h"
 #include "platform/EscapedPrograms.h"
 #include "platform/saveAtomically.h"
 #include "workspace/WorkspaceMacActions.h"
@@ -15,6 +17,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
+#include <QLocale>
 #include <QMenuBar>
 #include <QPixmap>
 #include <QScopedValueRollback>
@@ -42,16 +45,25 @@ constexpr std::array capturedPages = {Destination::Workspace, Destination::Agent
 }  // namespace
 
 OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                                 DesktopControl& desktop, EscapedPrograms& escapedPrograms, QObject* parent)
+                                 const DesktopServices& desktop, QObject* parent)
     : QObject(parent),
       m_services(services),
       m_options(std::move(options)),
       m_places(std::move(places)),
-      m_escapedPrograms(escapedPrograms),
+      m_escapedPrograms(desktop.escapedPrograms),
       m_theme(services.preferences),
       m_workspace(services),
-      m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop, services.clock,
+      m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop.control, services.clock,
                                                          m_places.folders.applicationData("Computer plans"))),
+      m_companion({.preferences = services.preferences,
+                   .clock = services.clock,
+                   .dialogs = services.dialogs,
+                   .images = desktop.images,
+                   .microphone = desktop.microphone,
+                   .recognition = desktop.recognition,
+                   .synthesizer = desktop.synthesizer,
+                   .builtInPet = builtInPet(),
+                   .locale = QLocale().name()}),
       m_crashReports(m_places.crashReports()),
       m_recovery(m_workspace.files(), m_places.folders.applicationData("Recovery")) {}
 
@@ -74,20 +86,42 @@ void OrvoApplication::launch() {
     applyTheme(m_theme);
     m_window = std::make_unique<MainWindow>();
     const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr,
-                          .macActions = m_macActions.get()};
+                          .macActions = m_macActions.get(),
+                          .companion = &m_companion};
     m_root = new OrvoRoot(m_workspace, m_theme, m_services.launcher, engines, m_window.get());
     m_window->setCentralWidget(m_root);
     createMenu(*m_window->menuBar(), *this);
-    connect(m_window.get(), &MainWindow::closeRequested, this, &OrvoApplication::quit);
+    connect(m_window.get(), &MainWindow::closeRequested, this, &OrvoApplication::closeWindow);
     m_window->placeOnScreen();
     showMainWindow();
     runErrand(m_options.errand);
     if (m_options.capture) capturePages();
     if (isTransient()) return;
     // Once the event loop runs: the question must not hold up the start.
+    m_services.clock.after(0ms, this, [this] { startCompanion(); });
     m_services.clock.after(0ms, this, [this] { tellOfTheLastRun(); });
     for (const auto change : {&ProjectFiles::editorTextChanged, &ProjectFiles::savedTextChanged}) {
         connect(&m_workspace.files(), change, this, &OrvoApplication::keepUnsavedTextSoon);
+    }
+}
+
+void OrvoApplication::startCompanion() {
+    if (m_companionController || m_ended) return;
+    const CompanionActions actions{.showMain = [this] { showMainWindow(); },
+                                   .quit =
+                                       [this] {
+                                           quit();
+                                       }};
+    m_companionController = std::make_unique<CompanionController>(m_companion, m_workspace, m_theme,
+                                                                  *m_services.preferences, actions);
+}
+
+// A window that is gone must be reachable: by the pet or the status item.
+void OrvoApplication::closeWindow() {
+    if (m_companionController && m_companionController->isReachable()) {
+        m_window->hide();
+    } else {
+        quit();
     }
 }
 
@@ -179,8 +213,12 @@ void OrvoApplication::showSettings() {
 }
 
 void OrvoApplication::hide() {
-    // Without a status item a window that is gone could not be brought back, so it goes to the task bar.
-    minimize();
+    // A window that could not be brought back goes to the task bar instead.
+    if (m_companionController && m_companionController->isReachable()) {
+        m_window->hide();
+    } else {
+        minimize();
+    }
 }
 
 void OrvoApplication::openProject() {
@@ -192,12 +230,22 @@ void OrvoApplication::newTerminal() {
 }
 
 void OrvoApplication::quickDraft() {
+    if (!isTransient()) {
+        startCompanion();
+        m_companionController->quickDraft();
+        return;
+    }
     m_workspace.setFocusMode(false);
     m_workspace.setDestination(Destination::Workspace);
     showMainWindow();
     for (Composer* const composer : m_root->findChildren<Composer*>()) {
         if (composer->isVisible()) composer->focusTask();
     }
+}
+
+void OrvoApplication::stopAudio() {
+    m_companion.stopMicrophone();
+    m_companion.stopSpeech();
 }
 
 void OrvoApplication::saveFile() {
@@ -261,6 +309,7 @@ void OrvoApplication::keepUnsavedText() {
 void OrvoApplication::end() {
     if (m_ended) return;
     m_ended = true;
+    if (m_companionController) m_companionController->shutdown();
     if (m_workspace.preparingRun()) m_workspace.cancelPreparation();
     stopSessionsAndWait(m_workspace.sessions());
     Q_EMIT ended();

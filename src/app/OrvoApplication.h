@@ -5,6 +5,7 @@
 #include "app/Options.h"
 #include "app/SingleInstance.h"
 #include "appearance/Theme.h"
+#include "companion/CompanionModel.h"
 #include "platform/AppFolders.h"
 #include "workspace/Workspace.h"
 
@@ -14,6 +15,7 @@
 
 namespace orvo {
 
+class CompanionController;
 class DesktopControl;
 class EscapedPrograms;
 class MainWindow;
@@ -30,6 +32,16 @@ struct AppPlaces {
     FilePath crashReports() const { return folders.applicationData("Crash reports"); }
 };
 
+/// What the desktop does for more than the workspace. All outlive the application.
+struct DesktopServices {
+    DesktopControl& control;
+    const ImageDecoder& images;
+    Microphone& microphone;
+    SpeechRecognition& recognition;
+    SpeechSynthesizer& synthesizer;
+    EscapedPrograms& escapedPrograms;
+};
+
 /// The running application with a window: it makes the models, shows the window and ends the run. Main thread
 /// only; lives from start to exit.
 class OrvoApplication : public QObject {
@@ -39,11 +51,14 @@ public:
     /// The services outlive the application. Without preferences the run is transient: it keeps nothing and
     /// quits without a question.
     OrvoApplication(const WorkspaceServices& services, Options options, AppPlaces places,
-                    DesktopControl& desktop, EscapedPrograms& escapedPrograms, QObject* parent = nullptr);
+                    const DesktopServices& desktop, QObject* parent = nullptr);
     ~OrvoApplication() override;
 
     Workspace& workspace() { return m_workspace; }
     Theme& theme() { return m_theme; }
+    CompanionModel& companion() { return m_companion; }
+    /// The companion on the desktop; null until the event loop runs, and in a transient run.
+    CompanionController* companionController() const { return m_companionController.get(); }
     /// Null until `launch`.
     MainWindow* window() const { return m_window.get(); }
 
@@ -58,8 +73,9 @@ public:
     void hide();
     void openProject();
     void newTerminal();
-    /// The main window with the keyboard in the task field.
+    /// The companion's quick draft; without one, the main window with the keyboard in the task field.
     void quickDraft();
+    void stopAudio();
     void saveFile();
     void exportPreview();
     void minimize();
@@ -83,6 +99,8 @@ Q_SIGNALS:
 private:
     bool isTransient() const { return m_services.preferences == nullptr; }
     void openFirstProject();
+    void startCompanion();
+    void closeWindow();
     void openExampleProject();
     void runErrand(Options::Errand errand);
     void tellOfTheLastRun();
@@ -99,6 +117,7 @@ private:
     Theme m_theme;
     Workspace m_workspace;
     const std::unique_ptr<WorkspaceMacActions> m_macActions;
+    CompanionModel m_companion;
     const CrashReports m_crashReports;
     EditorRecovery m_recovery;
     bool m_keepDue = false;
@@ -107,6 +126,7 @@ private:
     /// Null in a transient run.
     std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<CompanionController> m_companionController;
     OrvoRoot* m_root = nullptr;
     bool m_quitting = false;
     bool m_serving = false;

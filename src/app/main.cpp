@@ -14,9 +14,11 @@
 #include "platform/desktop/DesktopLauncher.h"
 #include "platform/desktop/QtDialogs.h"
 #include "platform/desktop/X11DesktopControl.h"
+#include "platform/images/QtImageDecoder.h"
 #include "platform/linux/AdoptedPrograms.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/LogindSleepInhibitor.h"
+#include "platform/voice/VoiceServices.h"
 #include "workspace/ui/version.h"
 
 #include <QApplication>
@@ -106,6 +108,8 @@ int showWindow(const char* program, const Options& options) {
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
     DesktopLauncher launcher;
     X11DesktopControl desktop;
+    const QtImageDecoder images;
+    VoiceServices voice(preferences ? &*preferences : nullptr);
     LogindSleepInhibitor sleepInhibitor;
     AdoptedPrograms escapedPrograms(clock);
     OrvoApplication orvo({.preferences = preferences ? &*preferences : nullptr,
@@ -115,7 +119,13 @@ int showWindow(const char* program, const Options& options) {
                           .sleepInhibitor = sleepInhibitor,
                           .tools = ToolEnvironment::fromProcess(),
                           .historyInbox = isTransient ? nullptr : &historyInbox},
-                         options, places, desktop, escapedPrograms);
+                         options, places,
+                         {.control = desktop,
+                          .images = images,
+                          .microphone = voice.microphone(),
+                          .recognition = voice.recognition(),
+                          .synthesizer = voice.synthesizer(),
+                          .escapedPrograms = escapedPrograms});
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },

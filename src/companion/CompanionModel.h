@@ -20,7 +20,7 @@ struct CompanionServices {
     Preferences* preferences = nullptr;
     Clock& clock;
     Dialogs& dialogs;
-    ImageDecoder& images;
+    const ImageDecoder& images;
     Microphone& microphone;
     SpeechRecognition& recognition;
     SpeechSynthesizer& synthesizer;

@@ -2,6 +2,7 @@
 
 #include "app/EndRequests.h"
 #include "app/MainWindow.h"
+#include "companion/ui/CompanionController.h"
 #include "platform/fake/FakeEscapedPrograms.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
@@ -23,7 +24,9 @@ protected:
     OrvoApplication& launched(const Options& options = {}, Keep keep = Keep::Preferences) {
         WorkspaceServices wanted = services();
         if (keep == Keep::Nothing) wanted.preferences = nullptr;
-        m_application = std::make_unique<OrvoApplication>(wanted, options, places(), m_desktop, m_escaped);
+        m_application = std::make_unique<OrvoApplication>(
+            wanted, options, places(),
+            DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer, m_escaped});
         QObject::connect(m_application.get(), &OrvoApplication::ended, m_application.get(),
                          [this] { ++m_ended; });
         m_application->launch();
@@ -76,6 +79,8 @@ TEST_F(OrvoApplicationTest, menusHaveTheirItemsAndKeysInOrder) {
               "  About Orvo AI\n"
               "  -\n"
               "  Settings… | Ctrl+,\n"
+              // Of the status item, for a desktop that has no place for one.
+              "  Stop microphone && audio\n"
               "  -\n"
               "  Hide Orvo AI | Ctrl+H\n"
               "  -\n"
@@ -197,10 +202,30 @@ TEST_F(OrvoApplicationTest, errandsOfAStartAreRun) {
     ASSERT_TRUE(focusIsIn("orvo::TerminalView"));
     stopSessionsAndWait(m_application->workspace().sessions());
 
-    m_application->workspace().setDestination(Destination::Settings);
     m_application->serve({.errand = Options::Errand::QuickDraft});
-    EXPECT_EQ(m_application->workspace().destination(), Destination::Workspace);
-    EXPECT_TRUE(focusIsIn("orvo::TaskEditor"));
+    EXPECT_TRUE(m_application->companionController()->isDraftVisible());
+    ASSERT_TRUE(focusIsIn("orvo::TaskEditor"));
+    EXPECT_EQ(test::nameOf(*QApplication::focusWidget()), QStringLiteral("Companion draft"));
+
+    // A run that keeps nothing has no companion; its drafts are written in the composer.
+    launched({.errand = Options::Errand::QuickDraft}, Keep::Nothing);
+    ASSERT_TRUE(focusIsIn("orvo::TaskEditor"));
+    EXPECT_EQ(test::nameOf(*QApplication::focusWidget()), QStringLiteral("Task for selected assistants"));
+}
+
+TEST_F(OrvoApplicationTest, theWindowOnlyHidesWhileThePetCanBringItBack) {
+    launched();
+    m_clock.advance(std::chrono::milliseconds(1));
+    ASSERT_TRUE(m_application->companionController()->isPetVisible());
+    m_application->window()->close();
+    EXPECT_FALSE(m_application->window()->isVisible());
+    EXPECT_EQ(m_ended, 0);
+    m_application->companion().openWorkspace();
+    EXPECT_TRUE(m_application->window()->isVisible());
+
+    m_application->companion().setEnabled(false);
+    m_application->window()->close();
+    EXPECT_EQ(m_ended, 1);
 }
 
 TEST_F(OrvoApplicationTest, unsavedTextSurvivesAnEndThatTheSystemWants) {

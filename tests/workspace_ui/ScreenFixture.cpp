@@ -1,6 +1,7 @@
 #include "workspace_ui/ScreenFixture.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "companion/ui/builtInPet.h"
 
 #include <QAccessible>
 #include <QDir>
@@ -91,10 +92,26 @@ WorkspaceMacActions& ScreenFixture::macActions() {
     return *m_macActions;
 }
 
+CompanionModel& ScreenFixture::companion() {
+    if (!m_companion) {
+        m_companion = std::make_unique<CompanionModel>(CompanionServices{.preferences = &m_preferences,
+                                                                         .clock = m_clock,
+                                                                         .dialogs = m_dialogs,
+                                                                         .images = m_images,
+                                                                         .microphone = m_microphone,
+                                                                         .recognition = m_recognition,
+                                                                         .synthesizer = m_synthesizer,
+                                                                         .builtInPet = builtInPet(),
+                                                                         .locale = QStringLiteral("en_GB")});
+    }
+    return *m_companion;
+}
+
 OrvoRoot& ScreenFixture::screen(QSize size) {
     if (!m_screen) {
         const Engines engines{.teamRuns = m_teamRuns ? &m_teamRuns->engine() : nullptr,
-                              .macActions = m_macActions.get()};
+                              .macActions = m_macActions.get(),
+                              .companion = m_companion.get()};
         m_screen = std::make_unique<OrvoRoot>(workspace(), m_theme, m_launcher, engines);
         m_screen->resize(size);
         m_screen->show();

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "appearance/Theme.h"
+#include "companion/CompanionModel.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/FakeDesktopControl.h"
 #include "platform/fake/FakeDialogs.h"
 #include "platform/fake/FakeLauncher.h"
 #include "platform/fake/FakePreferences.h"
 #include "platform/fake/FakeSleepInhibitor.h"
+#include "platform/fake/FakeSpeech.h"
+#include "platform/images/QtImageDecoder.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceMacActions.h"
 #include "workspace/WorkspaceTeamRuns.h"
@@ -52,6 +55,9 @@ protected:
     /// Mac actions on a recording desktop, joined to the workspace at the first call; the screen has their
     /// page when that came before the screen.
     WorkspaceMacActions& macActions();
+    /// The companion with the pet that comes with the application; the screen has its page when that came
+    /// before the screen.
+    CompanionModel& companion();
     /// The root screen over the workspace, shown; made at the first call.
     OrvoRoot& screen(QSize size = QSize(1440, 872));
     /// A shell session in the project, which is opened first if there is none.
@@ -66,12 +72,17 @@ protected:
     FakeLauncher m_launcher;
     FakeSleepInhibitor m_sleepInhibitor;
     FakeDesktopControl m_desktop;
+    QtImageDecoder m_images;
+    FakeMicrophone m_microphone;
+    FakeSpeechRecognition m_recognition;
+    FakeSpeechSynthesizer m_synthesizer;
     Theme m_theme{nullptr};
 
 private:
     std::unique_ptr<Workspace> m_workspace;
     std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
     std::unique_ptr<WorkspaceMacActions> m_macActions;
+    std::unique_ptr<CompanionModel> m_companion;
     std::unique_ptr<OrvoRoot> m_screen;
 };
 

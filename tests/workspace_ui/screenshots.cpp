@@ -7,12 +7,16 @@
 #include "app/MainWindow.h"
 #include "app/Menu.h"
 #include "app/OrvoApplication.h"
+#include "companion/ui/CompanionController.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/FakeDesktopControl.h"
 #include "platform/fake/FakeDialogs.h"
+#include "platform/fake/FakeEscapedPrograms.h"
 #include "platform/fake/FakeLauncher.h"
 #include "platform/fake/FakePreferences.h"
 #include "platform/fake/FakeSleepInhibitor.h"
+#include "platform/fake/FakeSpeech.h"
+#include "platform/images/QtImageDecoder.h"
 #include "support/QtTestMain.h"
 #include "support/WaitFor.h"
 
@@ -21,6 +25,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QScrollArea>
@@ -161,7 +166,9 @@ public:
                               .launcher = m_launcher,
                               .sleepInhibitor = m_sleepInhibitor,
                               .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
-            Options{}, AppPlaces{AppFolders::fromProcess(), {}}, m_desktop);
+            Options{}, AppPlaces{AppFolders::fromProcess(), {}},
+            DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer,
+                            m_escapedPrograms});
         m_application->launch();
         (void)test::waitFor([this] { return !workspace().assistants().checkingConnections(); });
     }
@@ -187,6 +194,7 @@ public:
         if (wants("files-runner-")) takeFiles();
         if (wants("team-runs")) takeTeamRuns();
         if (wants("mac-actions")) takeMacActions();
+        if (wants("desktop")) takeDesktop();
         if (wants("deck")) takeDecks();
     }
 
@@ -342,6 +350,56 @@ private:
         press("Manual Mac tools");
     }
 
+    // The pet with the quick draft beside it, as they stand on a desktop, idle and listening.
+    void takeDesktop() {
+        m_clock.advance(std::chrono::milliseconds(1));
+        CompanionController& controller = *m_application->companionController();
+        CompanionModel& companion = m_application->companion();
+        companion.setAnimate(false);
+        controller.quickDraft();
+        takeDesktopPicture("desktop-quick-draft");
+        companion.setDraft(
+            QStringLiteral("Plan the release notes for the search feature and keep them short"));
+        companion.toggleMicrophone();
+        m_microphone.access(true);
+        QCoreApplication::sendPostedEvents();
+        m_recognition.authorization(true);
+        QCoreApplication::sendPostedEvents();
+        m_microphone.started({});
+        takeDesktopPicture("desktop-listening");
+        companion.stopMicrophone();
+        companion.setScale(CompanionModel::smallestScale);
+        takeDesktopPicture("desktop-small-pet");
+        companion.setScale(1);
+        controller.dismissControls();
+    }
+
+    void takeDesktopPicture(const QByteArray& state) {
+        settle();
+        QRect area;
+        QList<QWidget*> panels;
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            if (!window->isVisible() || !window->inherits("orvo::CompanionPanel")) continue;
+            panels.append(window);
+            area |= window->geometry();
+        }
+        if (panels.isEmpty()) return;
+        const double ratio = panels.first()->devicePixelRatioF();
+        QPixmap desktop((QSizeF(area.size()) * ratio).toSize());
+        desktop.setDevicePixelRatio(ratio);
+        desktop.fill(QColor(60, 61, 56));
+        QPainter painter(&desktop);
+        for (QWidget* const panel : panels)
+            panel->render(&painter, panel->pos() - area.topLeft(), QRegion(),
+                          QWidget::DrawWindowBackground | QWidget::DrawChildren);
+        painter.end();
+        m_out.mkpath(m_preset.id);
+        const QString file =
+            QStringLiteral("%1/%2@%3.png").arg(m_preset.id, QString::fromUtf8(state)).arg(ratio);
+        if (!desktop.save(m_out.filePath(file)))
+            std::fprintf(stderr, "cannot write below %s\n", qUtf8Printable(m_out.path()));
+    }
+
     void startSession(std::size_t index) {
         const Transcript& text = transcripts.at(index % transcripts.size());
         const auto session = workspace().startSession(
@@ -388,6 +446,11 @@ private:
     FakeLauncher m_launcher;
     FakeSleepInhibitor m_sleepInhibitor;
     FakeDesktopControl m_desktop;
+    QtImageDecoder m_images;
+    FakeMicrophone m_microphone;
+    FakeSpeechRecognition m_recognition;
+    FakeSpeechSynthesizer m_synthesizer;
+    FakeEscapedPrograms m_escapedPrograms;
     std::unique_ptr<OrvoApplication> m_application;
 };
 

@@ -6,6 +6,8 @@
 #include "appearance/ui/AppearanceView.h"
 #include "assistants/ui/AssistantsView.h"
 #include "assistants/ui/ConnectorView.h"
+#include "companion/CompanionModel.h"
+#include "companion/ui/CompanionSettingsView.h"
 #include "files/ui/FilesView.h"
 #include "history/ui/HistoryView.h"
 #include "mac_actions/ui/ComputerActionsView.h"
@@ -75,9 +77,11 @@ QWidget* OrvoRoot::makePage(Destination destination) {
             return new SettingsView(m_workspace, m_launcher, settingsFacts());
         case Destination::Mac:
             if (!m_engines.macActions) break;
-            return new ComputerActionsView(*m_engines.macActions, m_workspace, m_theme, {});
+            return new ComputerActionsView(*m_engines.macActions, m_workspace, m_theme,
+                                           [this] { return voiceDraft(); });
         case Destination::Companion:
-            break;
+            if (!m_engines.companion) break;
+            return new CompanionSettingsView(*m_engines.companion, m_workspace);
     }
     return makePlaceholderPage(destination);
 }
@@ -86,6 +90,10 @@ SettingsView::Facts OrvoRoot::settingsFacts() const {
     std::optional<FilePath> runs;
     if (m_engines.teamRuns) runs = m_engines.teamRuns->runsFolder();
     return {.version = versionText(), .runsFolder = runs};
+}
+
+QString OrvoRoot::voiceDraft() const {
+    return m_engines.companion ? m_engines.companion->draft() : QString();
 }
 
 // A page is made when it is first shown: most starts need one of nine.

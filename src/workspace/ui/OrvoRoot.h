@@ -10,6 +10,7 @@ class QStackedWidget;
 
 namespace orvo {
 
+class CompanionModel;
 class ConnectorView;
 class Launcher;
 class Notice;
@@ -24,6 +25,7 @@ enum class Destination;
 struct Engines {
     TeamRuns* teamRuns = nullptr;
     WorkspaceMacActions* macActions = nullptr;
+    CompanionModel* companion = nullptr;
 };
 
 /// The main window's content: sidebar, header, the page of the current destination, status bar; above them
@@ -42,6 +44,7 @@ protected:
 private:
     QWidget* makePage(Destination destination);
     SettingsView::Facts settingsFacts() const;
+    QString voiceDraft() const;
     void refreshPage();
     void refreshNotice();
     void refreshConnectorView();
