@@ -16,6 +16,8 @@
 
 #include <csignal>
 
+#include <atomic>
+
 namespace orvo::test {
 namespace {
 
@@ -214,6 +216,27 @@ TEST_F(DictationTest, ASoundServerThatHangsHoldsUpNothing) {
         timer.start();
     }
     EXPECT_LT(timer.elapsed(), 2000) << "the end of the application";
+}
+
+TEST_F(DictationTest, TheApplicationMayEndWhileTheModelIsLoaded) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    QElapsedTimer timer;
+    {
+        const auto voice = std::make_unique<VoiceServices>(nullptr);
+        std::atomic<bool> isThere = false;
+        voice->microphone().requestAccess([&isThere](bool) { isThere = true; });
+        ASSERT_TRUE(waitFor([&isThere] { return isThere.load(); }));
+        const auto recognizer = voice->recognition().recognizer(QStringLiteral("en_US"));
+        ASSERT_TRUE(recognizer);
+        const auto task = recognizer->start(voice->microphone().inputFormat(),
+                                            Recognizer::Where::OnDeviceOnly, [](auto, auto) {});
+        voice->microphone().installTap([task](const QByteArray& samples) { task->append(samples); });
+        voice->microphone().start([](Result<void>) {}, [] {});
+        (void)waitFor([] { return false; }, 100ms);
+        timer.start();
+    }
+    EXPECT_LT(timer.elapsed(), 1000);
 }
 
 TEST_F(DictationTest, ACommandOfThePersonsOwnRecognises) {

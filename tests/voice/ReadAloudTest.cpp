@@ -107,6 +107,22 @@ TEST_F(ReadAloudTest, StoppingIsHeardAtOnce) {
     EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
 }
 
+TEST_F(ReadAloudTest, WhatIsStoppedWhileTheServiceStartsIsNeverHeard) {
+    SoundServer sound;
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    SoundMeter meter;
+    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    SpeechDispatcherSynthesizer voice;
+    ReadAloud reading(voice, QStringLiteral("en_US"));
+    reading.speak(longText);
+    (void)waitFor([] { return false; }, 100ms);
+    ASSERT_FALSE(meter.takeHeard()) << "the start of the service takes longer than this";
+    reading.stop();
+    ASSERT_TRUE(waitFor([] { return SpeechServiceGuard::pid() > 1; }));
+    (void)waitFor([] { return false; }, 2s);
+    EXPECT_FALSE(meter.takeHeard());
+}
+
 TEST_F(ReadAloudTest, TheVoiceEndsWithTheApplication) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();

@@ -35,8 +35,6 @@ bool isGood(const heif_error& error) {
 Context open(const QByteArray& bytes) {
     Context context(heif_context_alloc());
     if (!context) return nullptr;
-    // The main thread waits for the result either way; worker threads would only outlive a refusal.
-    heif_context_set_max_decoding_threads(context.get(), 0);
     const heif_error read = heif_context_read_from_memory_without_copy(
         context.get(), bytes.constData(), static_cast<size_t>(bytes.size()), nullptr);
     return isGood(read) ? std::move(context) : nullptr;
@@ -56,13 +54,17 @@ QColorSpace colors(const heif_image_handle* handle) {
     return isGood(error) ? QColorSpace::fromIccProfile(profile) : QColorSpace();
 }
 
-QImage copyPixels(const heif_image* picture) {
-    const int width = heif_image_get_width(picture, heif_channel_interleaved);
-    const int height = heif_image_get_height(picture, heif_channel_interleaved);
+/// The picture's own pixels, without a copy: a large one takes 256 MB.
+QImage wrap(Picture picture) {
+    const int width = heif_image_get_width(picture.get(), heif_channel_interleaved);
+    const int height = heif_image_get_height(picture.get(), heif_channel_interleaved);
     int stride = 0;
-    const uint8_t* pixels = heif_image_get_plane_readonly(picture, heif_channel_interleaved, &stride);
+    uint8_t* pixels = heif_image_get_plane(picture.get(), heif_channel_interleaved, &stride);
     if (!pixels || width < 1 || height < 1) return {};
-    return QImage(pixels, width, height, stride, QImage::Format_RGBA8888).copy();
+    const auto release = [](void* owner) {
+        heif_image_release(static_cast<heif_image*>(owner));
+    };
+    return {pixels, width, height, stride, QImage::Format_RGBA8888, release, picture.release()};
 }
 
 }  // namespace
@@ -104,9 +106,9 @@ QImage decode(const QByteArray& bytes) {
     heif_image* decoded = nullptr;
     const heif_error error =
         heif_decode_image(handle.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr);
-    const Picture picture(isGood(error) ? decoded : nullptr);
+    Picture picture(isGood(error) ? decoded : nullptr);
     if (!picture) return {};
-    QImage image = copyPixels(picture.get());
+    QImage image = wrap(std::move(picture));
     image.setColorSpace(colors(handle.get()));
     return image;
 }

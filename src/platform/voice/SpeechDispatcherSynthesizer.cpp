@@ -99,10 +99,10 @@ private:
     void begin(const Utterance& utterance, const std::shared_ptr<Reading>& reading, quint64 turn) {
         // The second time on a new connection: the service may have left since the last text.
         const bool mayBeStale = m_connection;
-        Result<void> begun = say(utterance);
+        Result<void> begun = say(utterance, turn);
         if (!begun && mayBeStale && m_turn == turn) {
             close();
-            begun = say(utterance);
+            begun = say(utterance, turn);
         }
         if (!begun) {
             close();
@@ -114,8 +114,9 @@ private:
         lookAfter(reading);
     }
 
-    Result<void> say(const Utterance& utterance) {
-        if (Result<void> opened = open(); !opened) return opened;
+    /// Does nothing when the turn is over by the time that the service has started.
+    Result<void> say(const Utterance& utterance, quint64 turn) {
+        if (Result<void> opened = open(); !opened || m_turn != turn) return opened;
         // A voice of another language is better than none: the answer does not matter.
         (void)spd_set_language(m_connection, utterance.language.toUtf8().constData());
         m_message = spd_say(m_connection, SPD_MESSAGE, readable(utterance.text).constData());
