@@ -24,11 +24,14 @@ using namespace std::chrono_literals;
 
 class AdoptedProgramsTest : public testing::Test {
 protected:
+    enum class SearchPath { OfATerminal, Ours };
+
     /// A shell in a session of its own that runs `script` and ends at once, as a closed terminal's does.
-    void runAndEnd(const QByteArray& script) const {
+    void runAndEnd(const QByteArray& script, SearchPath searchPath = SearchPath::OfATerminal) const {
         const pid_t shell = fork();
         if (shell == 0) {
             setsid();
+            if (searchPath == SearchPath::OfATerminal) qputenv("PATH", "/opt/tools/bin:" + qgetenv("PATH"));
             if (chdir(QFile::encodeName(m_folder.path()).constData()) == 0) {
                 execl("/bin/sh", "sh", "-c", script.constData(), nullptr);
             }
@@ -47,6 +50,7 @@ protected:
         QStringList found;
         for (const EscapedProgram& program : m_programs.running())
             found.append(program.name);
+        found.sort();
         return found;
     }
     bool touched(const char* name) const { return QFile::exists(m_folder.filePath(QLatin1String(name))); }
@@ -63,10 +67,8 @@ TEST_F(AdoptedProgramsTest, whatASessionLeftBehindIsFoundAndStoppedWithWhatItSta
         "setsid sh -c 'trap \"\" TERM HUP; touch deaf; sleep 300' >/dev/null 2>&1 &\n"
         "sleep 400 >/dev/null 2>&1 & touch started");
     ASSERT_TRUE(test::waitFor([this] { return touched("deaf") && touched("started"); }));
-    ASSERT_TRUE(test::waitFor([this] { return m_programs.running().size() == 2; }));
-    QStringList found = names();
-    found.sort();
-    EXPECT_EQ(found, (QStringList{QStringLiteral("sh"), QStringLiteral("sleep")}));
+    ASSERT_TRUE(test::waitFor(
+        [this] { return names() == (QStringList{QStringLiteral("sh"), QStringLiteral("sleep")}); }));
 
     const QList<EscapedProgram> all = m_programs.running();
     const auto deaf = std::ranges::find(all, QStringLiteral("sh"), &EscapedProgram::name);
@@ -80,6 +82,25 @@ TEST_F(AdoptedProgramsTest, whatASessionLeftBehindIsFoundAndStoppedWithWhatItSta
     EXPECT_EQ(names(), QStringList{QStringLiteral("sleep")}) << "nobody said yes to that one";
     m_programs.stop(m_programs.running());
     EXPECT_TRUE(test::waitFor([this] { return m_programs.running().isEmpty(); }));
+}
+
+TEST_F(AdoptedProgramsTest, servicesThatThisProgramStartedAreItsOwnMatter) {
+    runAndEnd("setsid sleep 300 >/dev/null 2>&1 &", SearchPath::Ours);
+    runAndEnd("setsid env -i sleep 400 >/dev/null 2>&1 &");
+    const auto adopted = [] {
+        QList<qint64> pids;
+        for (const ProcessEntry& entry : processTable()) {
+            if (entry.parent == getpid() && entry.name == "sleep") pids.append(entry.pid);
+        }
+        return pids;
+    };
+    ASSERT_TRUE(test::waitFor([&] { return adopted().size() == 2; }));
+    const QList<EscapedProgram> found = m_programs.running();
+    ASSERT_EQ(found.size(), 1) << "the one without any environment";
+    for (const qint64 pid : adopted()) {
+        kill(static_cast<pid_t>(pid), SIGKILL);
+        EXPECT_EQ(waitpid(static_cast<pid_t>(pid), nullptr, 0), pid);
+    }
 }
 
 TEST_F(AdoptedProgramsTest, theAdoptedAreReapedAndTheStatusesOfOthersLeftToThem) {

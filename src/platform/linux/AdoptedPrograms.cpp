@@ -2,9 +2,11 @@
 
 #include "platform/Clock.h"
 #include "platform/linux/processTable.h"
+#include "platform/readFile.h"
 
 #include <algorithm>
 #include <csignal>
+#include <optional>
 #include <thread>
 
 #include <sys/prctl.h>
@@ -39,6 +41,19 @@ QList<ProcessEntry> belongingTo(const QList<EscapedProgram>& programs) {
     return found;
 }
 
+/// The search path that a process was started with; nothing when there is none or it may not be seen.
+std::optional<QByteArray> searchPathOf(qint64 pid) {
+    // A process takes at most two megabytes of arguments and environment unless somebody has raised the
+    // limit.
+    constexpr qsizetype longest = qsizetype{8} * 1024 * 1024;
+    const auto environment = readFile(FilePath("/proc/" + QByteArray::number(pid) + "/environ"), longest);
+    if (!environment) return std::nullopt;
+    for (const QByteArray& entry : environment->split('\0')) {
+        if (entry.startsWith("PATH=")) return entry.mid(5);
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 AdoptedPrograms::AdoptedPrograms(Clock& clock, QObject* parent) : QObject(parent), m_clock(clock) {
@@ -51,11 +66,12 @@ QList<EscapedProgram> AdoptedPrograms::running() const {
     const qint64 ownSession = getsid(0);
     QList<EscapedProgram> programs;
     for (const ProcessEntry& entry : processTable()) {
-        // What the desktop's own launcher has started shares our session; what ran in a terminal never did.
-        if (entry.parent == self && entry.isAlive() && entry.session != ownSession) {
-            programs.append(
-                {.pid = entry.pid, .started = entry.started, .name = QString::fromUtf8(entry.name)});
-        }
+        // What was started on the desktop shares our session; what ran in a terminal never did.
+        if (entry.parent != self || !entry.isAlive() || entry.session == ownSession) continue;
+        // Services that our own libraries start, such as the one that reads aloud, leave it too. They have
+        // our search path, while every terminal has one of its own.
+        if (searchPathOf(entry.pid) == qgetenv("PATH")) continue;
+        programs.append({.pid = entry.pid, .started = entry.started, .name = QString::fromUtf8(entry.name)});
     }
     std::ranges::sort(programs, {}, &EscapedProgram::pid);
     return programs;
