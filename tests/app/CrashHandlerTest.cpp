@@ -18,6 +18,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -106,8 +107,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Ending{"badAddress",
                [] {
-                   volatile int* volatile nowhere = nullptr;
-                   *nowhere = 1;
+                   void* const page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+                   *static_cast<volatile char*>(page) = 1;
                },
                SIGSEGV, "\nSignal: 11 (SIGSEGV)\n"},
         Ending{"stackOverflow", [] { goDeeper(0); }, SIGSEGV, "\nThread: main\n"},

@@ -83,6 +83,19 @@ class SelfTest(ProgramRun):
         self.assertIn("PASS Preferences survive a restart", lines, "the other checks are made all the same")
         self.assertIn("(exit status 3", (self.root / "report/Verification.md").read_text())
 
+    def test_tidies_up_when_it_is_interrupted(self):
+        running = subprocess.Popen([PROGRAM, "--self-test", "--test-output", "report"], env=self.environment,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                   text=True, cwd=self.root)
+        self.addCleanup(running.kill)
+        first = running.stdout.readline()
+        running.send_signal(signal.SIGINT)
+        rest, errors = running.communicate(timeout=30)
+        done = subprocess.CompletedProcess([], running.returncode, first + rest, errors)
+        lines = self.assert_outcome(done, "PELK_TESTS_FAILED", 1)
+        self.assertIn("FAIL A team run works in copies and leaves the project alone", lines)
+        self.assertEqual(self.files_below(self.temporary), [])
+
     def test_fails_when_the_report_cannot_be_written(self):
         (self.root / "report").touch()
         done = self.run_program("--self-test", "--test-output", "report")

@@ -105,11 +105,11 @@ SelfTest::SelfTest(Workspace& workspace, FilePath samples, FilePath folder, QObj
     : QObject(parent), m_workspace(workspace), m_samples(std::move(samples)), m_folder(std::move(folder)) {}
 
 void SelfTest::start(std::function<void(bool)> completed) {
+    m_deadline = QDeadlineTimer(wholeTime);
     QTimer::singleShot(0, this, [this, completed = std::move(completed)] { completed(runAll()); });
 }
 
 bool SelfTest::runAll() {
-    m_deadline = QDeadlineTimer(wholeTime);
     bool passed = true;
     QString report;
     for (const auto& group : {systemChecks(), terminalChecks(), fileChecks(), workspaceChecks()}) {

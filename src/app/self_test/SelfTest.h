@@ -22,8 +22,8 @@ struct CheckRoom {
     /// The installed sample files.
     FilePath samples;
     FilePath folder;
-    /// The whole self-test's time.
-    QDeadlineTimer deadline;
+    /// The whole self-test's time; over at once when it is interrupted.
+    const QDeadlineTimer& deadline;
 
     /// Lets the event loop run until `condition` holds; false when the check's time is over before.
     bool waitFor(const std::function<bool()>& condition,
@@ -62,6 +62,8 @@ public:
 
     /// Runs all checks once the event loop runs; `completed` hears whether every one passed.
     void start(std::function<void(bool passed)> completed);
+    /// Lets the check that is under way and those that are left fail, and tidies up as always.
+    void interrupt() { m_deadline = QDeadlineTimer(0); }
 
 private:
     bool runAll();

@@ -1,4 +1,5 @@
 #include "app/QtArguments.h"
+#include "app/TerminationSignals.h"
 #include "app/exampleProject.h"
 #include "app/self_test/SelfTest.h"
 #include "platform/linux/LogindSleepInhibitor.h"
@@ -55,6 +56,8 @@ int runSelfTest(int argc, char** argv, const std::optional<FilePath>& reportFold
     const FilePath samples =
         ExampleProject::installedSource(FilePath::fromString(QCoreApplication::applicationDirPath()));
     SelfTest selfTest(workspace, samples, reportFolder.value_or(SelfTest::defaultFolder()));
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::received, &selfTest, &SelfTest::interrupt);
     selfTest.start([&workspace](bool passed) {
         std::puts(passed ? "PELK_TESTS_PASSED" : "PELK_TESTS_FAILED");
         std::fflush(stdout);
