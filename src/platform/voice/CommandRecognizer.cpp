@@ -38,6 +38,7 @@ public:
         m_process.setStandardErrorFile(QProcess::nullDevice());
         m_process.setChildProcessModifier([] { (void)setpgid(0, 0); });
         m_process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command});
+        m_group = static_cast<pid_t>(m_process.processId());
     }
     ~Run() override {
         signalGroup(SIGKILL);
@@ -53,15 +54,19 @@ public:
     void endAudio() { m_process.closeWriteChannel(); }
     void cancel() {
         m_isSilenced = true;
+        if (m_process.state() == QProcess::NotRunning || std::exchange(m_isEnding, true)) return;
         m_process.closeWriteChannel();
         signalGroup(SIGTERM);
-        if (m_process.state() == QProcess::NotRunning) return deleteLater();
-        QTimer::singleShot(patience, this, [this] { signalGroup(SIGKILL); });
+        QTimer::singleShot(patience, this, [this] {
+            signalGroup(SIGKILL);
+            if (m_process.state() == QProcess::NotRunning) deleteLater();
+        });
     }
 
 private:
     void read() {
         m_output += m_process.readAllStandardOutput();
+        if (m_isSilenced) return m_output.clear();
         const qsizetype end = m_output.lastIndexOf('\n');
         const qsizetype start = end < 0 ? -1 : m_output.lastIndexOf('\n', end - 1);
         if (end >= 0) {
@@ -70,14 +75,17 @@ private:
             m_output.remove(0, end + 1);
             if (line.size() > longestLine) return fail();
             m_text = QString::fromUtf8(line).trimmed();
-            if (!m_isSilenced) m_handler(Transcription{.text = m_text, .isFinal = false}, std::nullopt);
+            m_handler(Transcription{.text = m_text, .isFinal = false}, std::nullopt);
         }
         if (m_output.size() > longestLine) fail();
     }
     void finished(int status, QProcess::ExitStatus how) {
-        deleteLater();
-        if (m_isSilenced) return;
         read();
+        // What the shell has started may be deaf to the first signal: it has the rest of its moment.
+        if (m_isEnding && kill(-m_group, 0) == 0) return;
+        // From here on the number may be another group's.
+        m_group = 0;
+        deleteLater();
         if (m_isSilenced) return;
         m_isSilenced = true;
         if (how == QProcess::NormalExit && status == 0)
@@ -85,15 +93,15 @@ private:
         m_handler(std::nullopt, broken());
     }
     void fail() {
-        m_handler(std::nullopt, broken());
         cancel();
+        m_handler(std::nullopt, broken());
     }
     static Error broken() {
         return {QStringLiteral("OrvoListening"), 1,
                 QCoreApplication::translate("CommandRecognizer", "The recogniser's command failed.")};
     }
     void signalGroup(int number) {
-        if (m_process.processId() > 1) (void)kill(-static_cast<pid_t>(m_process.processId()), number);
+        if (m_group > 1) (void)kill(-m_group, number);
     }
 
     const Recognizer::Handler m_handler;
@@ -102,6 +110,9 @@ private:
     QString m_text;
     /// Nothing is reported any more.
     bool m_isSilenced = false;
+    bool m_isEnding = false;
+    /// The command and all that it has started; 0 when nothing of it is left.
+    pid_t m_group = 0;
     QProcess m_process;
 };
 

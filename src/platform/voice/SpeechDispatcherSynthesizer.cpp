@@ -31,7 +31,7 @@ tl::unexpected<Error> unavailable(const QString& sentence) {
     return failure(QStringLiteral("OrvoSpeech"), sentence);
 }
 
-/// Control characters end the sentence of some voices, and of one the process.
+/// Control characters say nothing, and are not allowed in the markup in which voices are given a text.
 QByteArray readable(QString text) {
     for (QChar& character : text) {
         if (character.category() == QChar::Other_Control && character != u'\n' && character != u'\t')
