@@ -20,11 +20,12 @@ using namespace std::chrono_literals;
 constexpr auto patience = 1s;
 constexpr qsizetype longestLine = 65'536;
 
-/// One run of the command. Main thread; deletes itself after the command has ended.
+/// One run of the command. Main thread; deletes itself after the command has ended, and goes with the
+/// application at the latest.
 class Run : public QObject {
 public:
     Run(const QString& command, const QString& locale, AudioFormat format, Recognizer::Handler handler)
-        : m_handler(std::move(handler)), m_sound(format) {
+        : QObject(qApp), m_handler(std::move(handler)), m_sound(format) {
         connect(&m_process, &QProcess::readyReadStandardOutput, this, &Run::read);
         connect(&m_process, &QProcess::finished, this, &Run::finished);
         connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
@@ -43,6 +44,7 @@ public:
     ~Run() override {
         signalGroup(SIGKILL);
         m_process.disconnect(this);
+        m_process.waitForFinished(static_cast<int>(std::chrono::milliseconds(patience).count()));
     }
 
     void append(const QByteArray& samples) {
