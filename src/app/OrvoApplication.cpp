@@ -125,6 +125,11 @@ void OrvoApplication::closeWindow() {
     }
 }
 
+void OrvoApplication::setReducedMotion(bool reduced) {
+    if (auto* const style = qobject_cast<OrvoStyle*>(QApplication::style()))
+        style->setMotion(reduced ? Motion::Reduced : Motion::Full);
+}
+
 void OrvoApplication::openFirstProject() {
     if (m_options.workspace)
         m_workspace.openFolderForThisRun(*m_options.workspace);

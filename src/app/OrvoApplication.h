@@ -62,6 +62,8 @@ public:
     /// Null until `launch`.
     MainWindow* window() const { return m_window.get(); }
 
+    /// Whether things glide on the screen or jump. Works once the window is open.
+    void setReducedMotion(bool reduced);
     /// Opens the main window, once.
     void launch();
     void showMainWindow();

@@ -18,6 +18,8 @@
 #include "platform/linux/AdoptedPrograms.h"
 #include "platform/linux/FilePreferences.h"
 #include "platform/linux/LogindSleepInhibitor.h"
+#include "platform/linux/MotionSetting.h"
+#include "platform/observe.h"
 #include "platform/voice/VoiceServices.h"
 #include "workspace/ui/version.h"
 
@@ -136,6 +138,9 @@ int showWindow(const char* program, const Options& options) {
     }
     orvo.launch();
     window = orvo.window();
+    const MotionSetting motion;
+    observe(motion, {&MotionSetting::reducedChanged}, &orvo,
+            [&orvo, &motion] { orvo.setReducedMotion(motion.isReduced()); });
     return QApplication::exec();
 }
 

@@ -1,6 +1,6 @@
 #include "platform/linux/LogindSleepInhibitor.h"
 
-#include "support/WaitFor.h"
+#include "platform/PrivateBus.h"
 
 #include <gtest/gtest.h>
 
@@ -15,36 +15,22 @@ namespace {
 
 const QString service = QStringLiteral("org.freedesktop.login1");
 
-/// A bus of this test's own.
-class LogindSleepInhibitorTest : public testing::Test {
+class LogindSleepInhibitorTest : public test::PrivateBus {
 protected:
     void SetUp() override {
-        m_daemon.start(
-            QStringLiteral("dbus-daemon"),
-            {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        if (!m_daemon.waitForStarted()) GTEST_SKIP() << "dbus-daemon is not installed";
-        ASSERT_TRUE(test::waitFor([&] { return m_daemon.canReadLine(); }));
-        m_address = QString::fromLatin1(m_daemon.readLine().trimmed());
+        PrivateBus::SetUp();
         m_client = connectAs("client");
         ASSERT_TRUE(m_client.isConnected());
     }
-
     void TearDown() override {
-        for (const char* name : {"client", "other"})
-            QDBusConnection::disconnectFromBus(QLatin1String(name));
-        for (QProcess* const process : {&m_logind, &m_daemon}) {
-            process->kill();
-            process->waitForFinished();
-        }
-    }
-
-    QDBusConnection connectAs(const char* name) const {
-        return QDBusConnection::connectToBus(m_address, QLatin1String(name));
+        m_logind.kill();
+        m_logind.waitForFinished();
+        PrivateBus::TearDown();
     }
 
     void startLogind() {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
+        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), address());
         m_logind.setProcessEnvironment(environment);
         // The system's own interpreter, because another one in PATH does not see the distribution's modules.
         m_logind.start(QStringLiteral("/usr/bin/python3"),
@@ -81,9 +67,7 @@ protected:
         return found;
     }
 
-    QProcess m_daemon;
     QProcess m_logind;
-    QString m_address;
     QDBusConnection m_client{QString()};
 };
 
