@@ -89,7 +89,7 @@ QString optionsHelp() {
         "\n"
         "  --workspace FOLDER    open this project folder for this run only\n"
         "  --new-terminal        start a terminal session\n"
-        "  --quick-draft         go to the task field\n"
+        "  --quick-draft         open the companion's quick draft\n"
         "  --capture FOLDER      save a picture of each of six pages into this folder, then quit\n"
         "  --self-test           check offline what this computer offers, without a window\n"
         "  --test-output FOLDER  where the self-test leaves its report\n"
