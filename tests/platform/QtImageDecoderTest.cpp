@@ -137,6 +137,13 @@ TEST_F(QtImageDecoderTest, EveryPageOfATiffIsLookedAt) {
     QByteArray endless = tiff({{4, 4}});
     qToLittleEndian(quint32(8), endless.data() + endless.size() - 16 - 4);
     EXPECT_LE(m_decoder.frameSizes(endless).size(), 2);
+    QRandomGenerator random(7);
+    for (int round = 0; round < 2000; ++round) {
+        QByteArray damaged = bytes.left(400);
+        for (int flip = 0; flip < 4; ++flip)
+            damaged[random.bounded(int(damaged.size()))] = static_cast<char>(random.bounded(256));
+        (void)m_decoder.frameSizes(damaged);
+    }
 }
 
 TEST_F(QtImageDecoderTest, ManyPagesDoNotHoldUpTheWindow) {

@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <csignal>
 
@@ -126,9 +127,13 @@ TEST_F(DictationTest, WhatIsSaidGrowsInTheDraftUntilTheSpeakerIsSilent) {
     model.setDraft({});
     model.toggleMicrophone();
     ASSERT_TRUE(waitFor([&model] { return model.listening(); }));
-    say(QStringLiteral("Please make a new plan before you change any files."));
-    EXPECT_TRUE(waitFor([&model] { return hasWords(model, {QStringLiteral("plan")}, 1); }))
+    const QString sentence = QStringLiteral("Please make a new plan before you change any files.");
+    say(sentence);
+    EXPECT_TRUE(waitFor([&model] { return model.draft().count(QStringLiteral("plan")) == 1; }))
         << model.draft().toStdString();
+    say(sentence);
+    EXPECT_TRUE(waitFor([&model] { return model.draft().count(QStringLiteral("plan")) == 2; }))
+        << "a pause keeps what was said before it: " << model.draft().toStdString();
     timer.start();
     model.toggleMicrophone();
     EXPECT_LT(timer.elapsed(), 100);
@@ -159,6 +164,39 @@ TEST_F(DictationTest, WithoutAMicrophoneOrALanguageTheCompanionSaysSo) {
     model.toggleMicrophone();
     EXPECT_TRUE(becomesIdle(model));
     EXPECT_EQ(model.message(), QStringLiteral("No microphone input is available."));
+}
+
+TEST_F(DictationTest, TheTapGetsPiecesOfOneSizeAndNothingAfterItsRemoval) {
+    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
+    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    Microphone& microphone = m_voice.microphone();
+    std::atomic<bool> isThere = false;
+    microphone.requestAccess([&isThere](bool granted) { isThere = granted; });
+    ASSERT_TRUE(waitFor([&isThere] { return isThere.load(); }));
+    const AudioFormat format = microphone.inputFormat();
+    ASSERT_TRUE(format.isUsable());
+    std::atomic<int> pieces = 0;
+    std::atomic<bool> isInside = false;
+    std::atomic<bool> isEven = true;
+    microphone.start([](Result<void>) {}, [] {});
+    for (int turn = 1; turn <= 5; ++turn) {
+        const int before = pieces;
+        microphone.installTap([&, size = 1024 * format.channels * 2](const QByteArray& samples) {
+            isInside = true;
+            if (samples.size() != size) isEven = false;
+            QThread::msleep(15);
+            ++pieces;
+            isInside = false;
+        });
+        ASSERT_TRUE(waitFor([&] { return pieces > before + 2 && isInside; }));
+        microphone.removeTap();
+        EXPECT_FALSE(isInside) << "its removal waits for it";
+        const int atRemoval = pieces;
+        QThread::msleep(100);
+        EXPECT_EQ(pieces, atRemoval);
+    }
+    EXPECT_TRUE(isEven);
+    microphone.stop();
 }
 
 TEST_F(DictationTest, TogglingQuicklyEndsInSilence) {

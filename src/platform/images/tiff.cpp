@@ -1,36 +1,48 @@
 #include "platform/images/tiff.h"
 
-#include <QBuffer>
-
 #include <tiffio.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <limits>
 #include <memory>
 
 namespace orvo::tiff {
 namespace {
 
-QBuffer& bufferOf(thandle_t handle) {
-    return *static_cast<QBuffer*>(handle);
+/// The file as the library wants it: like one on a disk, where a place behind the end may be sought.
+struct Reader {
+    const QByteArray& bytes;
+    toff_t place = 0;
+};
+
+Reader& readerOf(thandle_t handle) {
+    return *static_cast<Reader*>(handle);
 }
 
-tmsize_t read(thandle_t handle, void* target, tmsize_t size) {
-    return bufferOf(handle).read(static_cast<char*>(target), size);
+toff_t size(thandle_t handle) {
+    return static_cast<toff_t>(readerOf(handle).bytes.size());
+}
+
+tmsize_t read(thandle_t handle, void* target, tmsize_t wanted) {
+    Reader& reader = readerOf(handle);
+    if (wanted <= 0 || reader.place >= size(handle)) return 0;
+    const toff_t taken = std::min(static_cast<toff_t>(wanted), size(handle) - reader.place);
+    std::memcpy(target, reader.bytes.constData() + reader.place, taken);
+    reader.place += taken;
+    return static_cast<tmsize_t>(taken);
 }
 
 tmsize_t refuseToWrite(thandle_t, void*, tmsize_t) {
     return 0;
 }
 
-toff_t size(thandle_t handle) {
-    return static_cast<toff_t>(bufferOf(handle).size());
-}
-
 toff_t seek(thandle_t handle, toff_t offset, int origin) {
-    QBuffer& buffer = bufferOf(handle);
-    const auto from = origin == SEEK_CUR ? buffer.pos() : origin == SEEK_END ? buffer.size() : 0;
-    return buffer.seek(from + static_cast<qint64>(offset)) ? static_cast<toff_t>(buffer.pos())
-                                                           : std::numeric_limits<toff_t>::max();
+    Reader& reader = readerOf(handle);
+    const toff_t from = origin == SEEK_CUR ? reader.place : origin == SEEK_END ? size(handle) : 0;
+    reader.place = from + offset;
+    return reader.place;
 }
 
 int leaveOpen(thandle_t) {
@@ -44,13 +56,13 @@ int staySilent(TIFF*, void*, const char*, const char*, va_list) {
 
 using File = std::unique_ptr<TIFF, decltype(&TIFFClose)>;
 
-File open(QBuffer& buffer) {
+File open(Reader& reader) {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(TIFFOpenOptionsAlloc(),
                                                                                    TIFFOpenOptionsFree);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), staySilent, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), staySilent, nullptr);
     // "m": not mapped into memory.
-    return {TIFFClientOpenExt("picture", "rm", &buffer, read, refuseToWrite, seek, leaveOpen, size, nullptr,
+    return {TIFFClientOpenExt("picture", "rm", &reader, read, refuseToWrite, seek, leaveOpen, size, nullptr,
                               nullptr, options.get()),
             TIFFClose};
 }
@@ -67,10 +79,8 @@ std::optional<QSize> sizeOfPage(TIFF* file) {
 }  // namespace
 
 QList<std::optional<QSize>> frameSizes(const QByteArray& bytes) {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    if (!buffer.open(QIODevice::ReadOnly)) return {};
-    const File file = open(buffer);
+    Reader reader{.bytes = bytes};
+    const File file = open(reader);
     if (!file) return {};
     QList<std::optional<QSize>> sizes = {sizeOfPage(file.get())};
     while (TIFFLastDirectory(file.get()) == 0) {
