@@ -172,6 +172,25 @@ def choose(program, menu, item):
     program.click(program.find("menu item", item))
 
 
+def capture_beside_a_window(home):
+    first = home.start("--workspace", str(home.project))
+    kept = {path: path.read_bytes() for path in (home.root / "config").rglob("*") if path.is_file()}
+    pictures = home.root / "pictures"
+    # It neither goes to the open window nor disturbs it.
+    done = subprocess.run([BINARY, "--capture", str(pictures)], stdin=subprocess.DEVNULL, capture_output=True,
+                          timeout=60)
+    assert (done.returncode, done.stdout, done.stderr) == (0, b"", b""), done
+    assert sorted(path.name for path in pictures.iterdir()) == [
+        "Appearance.png", "Assistants.png", "Files & runner.png", "Mac actions.png", "Settings.png", "Workspace.png"]
+    for path in pictures.iterdir():
+        assert path.read_bytes().startswith(b"\x89PNG"), path
+        shutil.copy(path, PICTURES)
+    assert kept == {path: path.read_bytes() for path in (home.root / "config").rglob("*") if path.is_file()}
+    assert first.process.poll() is None
+    first.press("Settings")
+    home.later_start()
+
+
 def killed_instance(home):
     first = home.start("--workspace", str(home.project))
     first.process.kill()
@@ -378,7 +397,7 @@ def log_out(home):
     assert text_of(program.find("text", "Code editor")) == "# Harbor notes\nhalf a thought"
 
 
-SCENARIOS = [menus, second_start, killed_instance, children_environment, quit_with_sessions, escaped_program,
+SCENARIOS = [menus, second_start, capture_beside_a_window, killed_instance, children_environment, quit_with_sessions, escaped_program,
              log_out, unsaved_text]
 
 

@@ -3,9 +3,11 @@
 #include "app/self_test/SelfTest.h"
 #include "appearance/controls/symbols.h"
 #include "platform/SpeechRecognition.h"
+#include "platform/images/QtImageDecoder.h"
 #include "platform/voice/VoiceServices.h"
 #include "workspace/Workspace.h"
 
+#include <QBuffer>
 #include <QColor>
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -70,6 +72,23 @@ Finding drawingWorks(const CheckRoom&) {
                : tr("fonts that others stand in for: %1").arg(missing.join(QStringLiteral(", ")));
 }
 
+Finding picturesAreRead(const CheckRoom&) {
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const QtImageDecoder decoder;
+    for (const char* const format : {"PNG", "JPEG"}) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        if (!picture.save(&buffer, format))
+            return checkFailed(tr("No %1 can be written.").arg(QString::fromLatin1(format)));
+        if (decoder.frameSizes(bytes) != QList<std::optional<QSize>>{picture.size()} ||
+            !decoder.decode(bytes)) {
+            return checkFailed(tr("No %1 can be read.").arg(QString::fromLatin1(format)));
+        }
+    }
+    return QString();
+}
+
 enum class Presence { Present, Missing, Silent };
 
 QStringList namesOn(const QDBusConnection& bus, const char* method, Presence& presence) {
@@ -128,6 +147,7 @@ Finding servicesAreNamed(const CheckRoom&) {
 constexpr std::array checks = {
     Check{QT_TRANSLATE_NOOP("SelfTest", "The programs that sessions need are installed"), programsAreThere},
     Check{QT_TRANSLATE_NOOP("SelfTest", "Icons and text are drawn"), drawingWorks},
+    Check{QT_TRANSLATE_NOOP("SelfTest", "Pictures are read"), picturesAreRead},
     Check{QT_TRANSLATE_NOOP("SelfTest", "The desktop's services answer or are named as missing"),
           servicesAreNamed},
 };
