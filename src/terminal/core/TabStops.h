@@ -24,13 +24,17 @@ public:
     /// The next stop to the right, at the latest the last column.
     int after(int column) const {
         const auto last = static_cast<int>(m_stops.size()) - 1;
-        while (column < last && !m_stops[static_cast<std::size_t>(++column)]) {
+        while (column < last) {
+            ++column;
+            if (m_stops[static_cast<std::size_t>(column)]) break;
         }
         return column;
     }
     /// The next stop to the left, at the latest the first column.
     int before(int column) const {
-        while (column > 0 && !m_stops[static_cast<std::size_t>(--column)]) {
+        while (column > 0) {
+            --column;
+            if (m_stops[static_cast<std::size_t>(column)]) break;
         }
         return column;
     }
