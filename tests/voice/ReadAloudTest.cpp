@@ -44,7 +44,7 @@ protected:
         return sentences;
     }
     static bool isLoud(SoundMeter& meter) {
-        return waitFor([&meter] { return meter.takeHeard(); });
+        return waitLong([&meter] { return meter.takeHeard(); });
     }
 
     SpeechServiceGuard m_guard;
@@ -54,7 +54,7 @@ TEST_F(ReadAloudTest, ATextIsHeardAndItsEndIsTold) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     SoundMeter meter;
-    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     SpeechDispatcherSynthesizer voice;
     // The second locale has no voice: the default one reads.
     for (const char* locale : {"en_US", "xx_YY"}) {
@@ -63,10 +63,10 @@ TEST_F(ReadAloudTest, ATextIsHeardAndItsEndIsTold) {
         QElapsedTimer timer;
         timer.start();
         reading.speak(QStringLiteral(".\nWords\x1b[0m and \x01 signs < & >.\n.\n"));
-        EXPECT_LT(timer.elapsed(), 100) << "the service is waited for elsewhere";
+        EXPECT_LT(timer.elapsed(), 500) << "the service is waited for elsewhere";
         EXPECT_TRUE(reading.isSpeaking());
         EXPECT_TRUE(isLoud(meter)) << locale;
-        EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); })) << locale;
+        EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); })) << locale;
         EXPECT_TRUE(failed->isEmpty());
     }
 }
@@ -75,7 +75,7 @@ TEST_F(ReadAloudTest, StoppingIsHeardAtOnce) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     SoundMeter meter;
-    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     SpeechDispatcherSynthesizer voice;
     ReadAloud reading(voice, QStringLiteral("en_US"));
     for (int turn = 0; turn < 3; ++turn) {
@@ -85,9 +85,9 @@ TEST_F(ReadAloudTest, StoppingIsHeardAtOnce) {
         QElapsedTimer stopping;
         stopping.start();
         reading.stop();
-        EXPECT_LT(stopping.elapsed(), 50) << "asked for, not waited for";
+        EXPECT_LT(stopping.elapsed(), 250) << "asked for, not waited for";
         EXPECT_FALSE(reading.isSpeaking());
-        ASSERT_TRUE(waitFor([&meter] { return meter.silentFor() > 1000; }));
+        ASSERT_TRUE(waitLong([&meter] { return meter.silentFor() > 1000; }));
         const qint64 heardFor = stopping.elapsed() - meter.silentFor();
         // 150 ms are promised; a busy machine gets five times that. Idle, 30 to 60 were measured.
         EXPECT_LT(heardFor, 5 * 150);
@@ -104,21 +104,21 @@ TEST_F(ReadAloudTest, StoppingIsHeardAtOnce) {
     ASSERT_TRUE(isLoud(meter));
     reading.speak(QStringLiteral("Short."));
     EXPECT_TRUE(reading.isSpeaking());
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
 }
 
 TEST_F(ReadAloudTest, WhatIsStoppedWhileTheServiceStartsIsNeverHeard) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     SoundMeter meter;
-    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     SpeechDispatcherSynthesizer voice;
     ReadAloud reading(voice, QStringLiteral("en_US"));
     reading.speak(longText);
     (void)waitFor([] { return false; }, 100ms);
     ASSERT_FALSE(meter.takeHeard()) << "the start of the service takes longer than this";
     reading.stop();
-    ASSERT_TRUE(waitFor([] { return SpeechServiceGuard::pid() > 1; }));
+    ASSERT_TRUE(waitLong([] { return SpeechServiceGuard::pid() > 1; }));
     (void)waitFor([] { return false; }, 2s);
     EXPECT_FALSE(meter.takeHeard());
 }
@@ -127,20 +127,20 @@ TEST_F(ReadAloudTest, TheVoiceEndsWithTheApplication) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     SoundMeter meter;
-    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     {
         SpeechDispatcherSynthesizer voice;
         voice.speak({.text = longText, .language = QStringLiteral("en-US")}, [](Result<void>) {});
         ASSERT_TRUE(isLoud(meter));
     }
-    EXPECT_TRUE(waitFor([&meter] { return meter.silentFor() > 1000; }, 5s));
+    EXPECT_TRUE(waitLong([&meter] { return meter.silentFor() > 1000; }, 10s));
 }
 
 TEST_F(ReadAloudTest, AServiceThatGoesAwayIsToldOfAndStartedAgain) {
     SoundServer sound;
     ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     SoundMeter meter;
-    ASSERT_TRUE(waitFor([&meter] { return meter.isOn(); }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     SpeechDispatcherSynthesizer voice;
     ReadAloud reading(voice, QStringLiteral("en_US"));
     const auto failed = sentencesOf(reading);
@@ -149,14 +149,14 @@ TEST_F(ReadAloudTest, AServiceThatGoesAwayIsToldOfAndStartedAgain) {
     const qint64 service = SpeechServiceGuard::pid();
     ASSERT_GT(service, 1);
     kill(static_cast<pid_t>(service), SIGKILL);
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
     ASSERT_EQ(failed->size(), 1);
     EXPECT_EQ(failed->first(), QStringLiteral("Reading aloud ended: the speech service is gone."));
-    ASSERT_TRUE(waitFor([&meter] { return meter.silentFor() > 500; }));
+    ASSERT_TRUE(waitLong([&meter] { return meter.silentFor() > 500; }));
     (void)meter.takeHeard();
     reading.speak(QStringLiteral("Here again."));
     EXPECT_TRUE(isLoud(meter));
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
     EXPECT_EQ(failed->size(), 1);
 }
 
@@ -176,12 +176,12 @@ QString sentenceWith(const char* script, std::chrono::milliseconds limit) {
     QElapsedTimer timer;
     timer.start();
     reading.speak(longText);
-    EXPECT_LT(timer.elapsed(), 100);
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_LT(timer.elapsed(), 500);
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
     // A second try is answered as well, and needs no further thread.
     const QString first = std::exchange(sentence, {});
     reading.speak(longText);
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
     EXPECT_EQ(sentence, first);
     qunsetenv("SPEECHD_CMD");
     return sentence;
@@ -209,7 +209,7 @@ TEST_F(ReadAloudTest, AServiceWithoutAVoiceIsNotMistakenForOne) {
     ReadAloud reading(voice, QStringLiteral("en_US"));
     const auto failed = sentencesOf(reading);
     reading.speak(longText);
-    EXPECT_TRUE(waitFor([&reading] { return !reading.isSpeaking(); }));
+    EXPECT_TRUE(waitLong([&reading] { return !reading.isSpeaking(); }));
     EXPECT_EQ(*failed,
               QStringList({QStringLiteral("Reading aloud is unavailable: the speech service has no "
                                           "voice. Install one, such as speech-dispatcher-espeak-ng.")}));

@@ -1,7 +1,5 @@
 #include "SoundServer.h"
 
-#include "support/WaitFor.h"
-
 #include <QFile>
 #include <QStandardPaths>
 #include <QTextStream>
@@ -74,7 +72,7 @@ SoundServer::SoundServer(Microphone microphone) {
     m_server.setProcessChannelMode(QProcess::MergedChannels);
     m_server.start(QStringLiteral("pulseaudio"), arguments);
     // The socket is there before the devices are: ask for the one that comes last.
-    const bool answers = waitFor([this, microphone] {
+    const bool answers = waitLong([this, microphone] {
         if (m_server.state() == QProcess::NotRunning) return true;
         QProcess question;
         question.start(QStringLiteral("pactl"),

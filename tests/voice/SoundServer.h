@@ -1,13 +1,23 @@
 #pragma once
 
+#include "support/WaitFor.h"
+
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 
 namespace orvo::test {
+
+/// Sound takes its own time, and services that play it in small pieces take several times that on a machine
+/// that is busy with other tests.
+template <class Condition>
+[[nodiscard]] bool waitLong(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(90)) {
+    return waitFor(std::move(condition), limit);
+}
 
 /// The name of the first of these programs that is not installed; empty when all are.
 QString missingProgram(std::initializer_list<const char*> programs);

@@ -21,9 +21,10 @@ using namespace std::chrono_literals;
 
 // How often a service that reads is looked after: it may end without a word.
 constexpr auto lookInterval = 1s;
-// The slowest voices read two characters a second; beyond that nothing is being heard.
+// The slowest voices read two characters a second, and a busy machine starts slowly; beyond that nothing is
+// being heard.
 constexpr auto longestCharacter = 500ms;
-constexpr auto longestSilence = 15s;
+constexpr auto longestSilence = 45s;
 // What the end of the application may wait for silence.
 constexpr auto farewell = 250ms;
 

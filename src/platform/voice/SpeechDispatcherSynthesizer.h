@@ -17,7 +17,7 @@ class SpeechDispatcherSynthesizer final : public SpeechSynthesizer {
 
 public:
     /// How long the service may take to accept a text, its own start included.
-    static constexpr std::chrono::milliseconds answerLimit = std::chrono::seconds(15);
+    static constexpr std::chrono::milliseconds answerLimit = std::chrono::seconds(30);
 
     explicit SpeechDispatcherSynthesizer(std::chrono::milliseconds limit = answerLimit);
     /// Silences what is being read.
