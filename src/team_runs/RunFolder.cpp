@@ -17,13 +17,13 @@ Result<RunFolder> RunFolder::create(const FilePath& storage) {
     if (const Result<void> made = createPrivateFolder(storage); !made)
         return tl::unexpected<Error>(made.error());
     const FilePath path = storage.child(RunFiles::freshFolderName());
-    if (mkdir(path.bytes().constData(), 0700) != 0) return systemFailure(errno);
+    if (mkdir(path.bytes().constData(), 0700) != 0) return systemFailure(errno, storage);
     FileDescriptor lock(open(path.child(marker).bytes().constData(),
                              O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!lock.isOpen()) {
         const int code = errno;
         rmdir(path.bytes().constData());
-        return systemFailure(code);
+        return systemFailure(code, storage);
     }
     // A file system without locks does without; then nobody takes the folder for abandoned either.
     [[maybe_unused]] const int locked = flock(lock.number(), LOCK_EX | LOCK_NB);

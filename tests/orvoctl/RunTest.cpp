@@ -131,14 +131,17 @@ TEST_F(Run, WhatCannotRunIsRefusedBeforeAnythingStarts) {
 TEST_F(Run, TheTimeLimitStopsWhatStillRuns) {
     install("claude");
     install("wait-forever");
+    // Long enough for the one that ends by itself, also on a busy machine.
     QElapsedTimer timer;
     timer.start();
     const Outcome outcome =
-        orvoctl(shared({QStringLiteral("--timeout"), QStringLiteral("1"), QStringLiteral("--connector"),
+        orvoctl(shared({QStringLiteral("--timeout"), QStringLiteral("6"), QStringLiteral("--connector"),
                         QStringLiteral("slow=wait-forever {prompt}"), QStringLiteral("--assistant"),
                         QStringLiteral("claude"), QStringLiteral("--assistant"), QStringLiteral("slow"),
                         QStringLiteral("t")}));
-    EXPECT_LT(timer.elapsed(), 15'000);
+    // Timers of this length may be a twentieth early.
+    EXPECT_GE(timer.elapsed(), 5'700);
+    EXPECT_LT(timer.elapsed(), 30'000);
     EXPECT_EQ(outcome.status, 1);
     const QJsonArray copies = outcome.json()[QStringLiteral("copies")].toArray();
     EXPECT_EQ(copies[0][QStringLiteral("exitCode")], 0);

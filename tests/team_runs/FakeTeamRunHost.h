@@ -11,6 +11,18 @@
 
 namespace orvo::test {
 
+/// A connector whose command is a shell line; the task is its first argument.
+inline Provider connector(const QString& id, const QString& line) {
+    return {.id = id,
+            .name = id.toUpper(),
+            .subtitle = {},
+            .icon = {},
+            .colorHex = {},
+            .executable = QStringLiteral("/bin/sh"),
+            .template_ = QStringLiteral("/bin/sh -c ") + shellQuote(line) + QStringLiteral(" sh {prompt}"),
+            .documentation = {}};
+}
+
 /// The program around the engine: real sessions, everything else recorded. As a program does, it tells the
 /// engine of every session that has ended.
 class FakeTeamRunHost final : public TeamRunHost {

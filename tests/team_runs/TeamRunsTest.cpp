@@ -18,6 +18,7 @@ namespace orvo {
 namespace {
 
 using namespace std::chrono_literals;
+using test::connector;
 using test::FakeTeamRunHost;
 using test::Tree;
 using test::waitFor;
@@ -29,18 +30,6 @@ const QString prefix = QStringLiteral(
 const QString cancelled = QStringLiteral("Run preparation cancelled. No assistants were started.");
 const QString started =
     QStringLiteral("Assistants are working in separate copies. Review their results in Team runs.");
-
-/// A connector whose command is a shell line; the task is its first argument.
-Provider connector(const QString& id, const QString& line) {
-    return {.id = id,
-            .name = id.toUpper(),
-            .subtitle = {},
-            .icon = {},
-            .colorHex = {},
-            .executable = QStringLiteral("/bin/sh"),
-            .template_ = QStringLiteral("/bin/sh -c ") + shellQuote(line) + QStringLiteral(" sh {prompt}"),
-            .documentation = {}};
-}
 
 struct Workbench {
     explicit Workbench(FakeTeamRunHost::Launch launch = FakeTeamRunHost::Launch::Real) : host(launch) {
@@ -270,8 +259,12 @@ TEST(TeamRuns, OutputComesFromTheScreenThenTheFileThenTheHistory) {
 TEST(TeamRuns, ARecordThatCannotBeSavedIsNamedAndTheRunGoesOn) {
     Workbench bench;
     bench.start(QStringLiteral("task"),
-                {connector(QStringLiteral("a"), QStringLiteral("read -r line; exit 5"))});
+                {connector(QStringLiteral("a"), QStringLiteral("echo ready; read -r line; exit 5"))});
     ASSERT_TRUE(bench.settled());
+    // It stands in its folder before that goes.
+    ASSERT_TRUE(waitFor([&bench] {
+        return bench.host.sessions[0]->screen().plainText().find("ready") != std::string::npos;
+    }));
     bench.host.notices.clear();
     bench.tree.remove("Runs/" + bench.engine.teamRuns()[0].root.nameBytes());
     bench.host.sessions[0]->send(QStringLiteral("\n"));

@@ -262,7 +262,7 @@ TEST(TerminalSession, StopAsksFirstAndKillsAfterASecond) {
     deaf.session->stop();
     ASSERT_TRUE(polite.ends());
     EXPECT_EQ(polite.session->exitCode(), 143);
-    EXPECT_TRUE(deaf.session->running());
+    EXPECT_TRUE(deaf.session->running() || timer.elapsed() >= 1'000);
     ASSERT_TRUE(deaf.ends());
     EXPECT_EQ(deaf.session->exitCode(), 137);
     EXPECT_GE(timer.elapsed(), 1'000);
@@ -291,7 +291,10 @@ TEST(TerminalSession, StopAlsoEndsWhatADeadShellLeavesInItsGroup) {
 }
 
 TEST(TerminalSession, ACommandEndsWithItsShellEvenIfAChildKeepsTheTerminalOpen) {
-    TestSession test(QStringLiteral("setsid sleep 1000 & print $!; sleep 0.1; print -n the-end; exit 4"));
+    // Until it has a session of its own, the end of the shell would be its end too.
+    TestSession test(
+        QStringLiteral("setsid sleep 1000 & print $!; until (( $(ps -o sid= -p $!) == $! )); do sleep 0.01; "
+                       "done; print -n the-end; exit 4"));
     test.session->start();
     ASSERT_TRUE(test.ends());
     EXPECT_EQ(test.session->exitCode(), 4);
@@ -363,7 +366,8 @@ TEST(TerminalSession, QuittingLeavesNothingOfFiftySessionsOfWhichTenAreDeaf) {
 
     QElapsedTimer timer;
     timer.start();
-    EXPECT_TRUE(stopSessionsAndWait(sessions));
+    // On a busy machine, those that were killed may need longer to leave than this waits for.
+    EXPECT_TRUE(stopSessionsAndWait(sessions) || stopSessionsAndWait({}, 5s));
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
     EXPECT_LT(timer.elapsed(), 5 * 1'500);
     for (const pid_t group : groups)
