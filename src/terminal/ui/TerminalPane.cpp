@@ -115,6 +115,12 @@ TerminalPane::TerminalPane(TerminalSession& session, Theme& theme, QWidget* pare
             [this] { refreshState(); });
 }
 
+TerminalPane::~TerminalPane() {
+    // The base class would give up the focus, its terminal's, when the pane that is told is no more than a
+    // widget.
+    clearFocus();
+}
+
 TerminalSession* TerminalPane::session() const {
     return m_session;
 }

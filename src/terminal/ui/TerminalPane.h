@@ -26,6 +26,7 @@ class TerminalPane : public QWidget {
 public:
     /// `theme` outlives the pane; `session` may go first.
     TerminalPane(TerminalSession& session, Theme& theme, QWidget* parent = nullptr);
+    ~TerminalPane() override;
 
     TerminalSession* session() const;
     TerminalView& view() const { return *m_view; }

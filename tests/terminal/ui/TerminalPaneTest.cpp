@@ -45,6 +45,24 @@ TEST(TerminalPane, ThePillTellsTheSessionsState) {
     EXPECT_TRUE(waitFor([&] { return failing.state() == QStringLiteral("Exit 3"); }));
 }
 
+TEST(TerminalPane, ItMayGoWhileItHasTheFocus) {
+    Theme theme(nullptr);
+    TerminalSession session(QStringLiteral("shell"), QString(), QStringLiteral("true"), FilePath("/"));
+    auto pane = std::make_unique<TerminalPane>(session, theme);
+    pane->show();
+    pane->activateWindow();
+    pane->setFocus();
+    TerminalView& view = pane->view();
+    ASSERT_TRUE(waitFor([&] { return view.hasFocus(); }));
+    int told = 0;
+    QObject::connect(&view, &TerminalView::focusChanged, &theme, [&] {
+        ++told;
+        EXPECT_NE(qobject_cast<TerminalPane*>(view.parent()), nullptr) << "told by half a pane";
+    });
+    pane.reset();
+    EXPECT_EQ(told, 1);
+}
+
 TEST(TerminalPane, StopIsOfferedOnlyWhileTheSessionRuns) {
     Pane pane("sleep 60");
     EXPECT_EQ(pane.item(QStringLiteral("Stop session")), nullptr);
