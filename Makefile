@@ -27,11 +27,12 @@ test-tsan: ## the Qt-free core under the thread sanitizer
 	@scripts/install-deps test
 	@scripts/test tsan
 
-bench: ## the interpreter beside libvterm, and what a key costs in the editor, as tables
+bench: ## speed beside everyday peers, as tables: the interpreter, the editor, copies and changes of team runs
 	@scripts/install-deps bench
 	@$(MAKE) --no-print-directory build BENCH=1
 	@$(RELEASE)/orvo_bench
 	@$(RELEASE)/orvo_editor_bench
+	@$(RELEASE)/orvo_team_runs_bench
 
 package: ## a Debian package: build/release/package/orvo_*.deb
 	@scripts/install-deps build package

@@ -170,6 +170,9 @@ public:
             DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer,
                             m_escapedPrograms});
         m_application->launch();
+        // The companion, whose windows this platform would make the active ones.
+        m_clock.advance(std::chrono::milliseconds(1));
+        m_application->window()->activateWindow();
         (void)test::waitFor([this] { return !workspace().assistants().checkingConnections(); });
     }
     ~Studio() { stopSessionsAndWait(workspace().sessions()); }
