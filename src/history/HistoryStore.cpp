@@ -39,12 +39,16 @@ void HistoryStore::load() {
     m_encoded.resize(m_entries.size());
 }
 
-HistoryStore::Stored HistoryStore::save() {
+HistoryStore::Stored HistoryStore::save(When when) {
     if (m_preferences == nullptr || m_role == InboxRole::Append) return Stored::No;
     for (qsizetype i = 0; i < m_entries.size(); ++i) {
         if (m_encoded[i].isEmpty()) m_encoded[i] = encodeEntry(m_entries[i]);
     }
     // Whoever gave us the preferences learns of failures there; the list stays in memory.
+    if (when == When::Soon) {
+        m_preferences->setValueSoon(preference::history, encodeHistory(m_encoded));
+        return Stored::Yes;
+    }
     return m_preferences->setValue(preference::history, encodeHistory(m_encoded)) ? Stored::Yes : Stored::No;
 }
 
@@ -66,7 +70,7 @@ void HistoryStore::record(const HistoryEntry& entry) {
     HistoryEntry kept = entry;
     kept.output = keptOutput(entry.output);
     if (!putInFront({kept})) return;
-    save();
+    save(When::Soon);
     // The list shows the entry whether or not it could be left for the window.
     if (m_inbox != nullptr && m_role == InboxRole::Append) {
         [[maybe_unused]] const Result<void> left = m_inbox->append(kept);
@@ -78,7 +82,7 @@ void HistoryStore::clear() {
     const bool changed = !m_entries.isEmpty();
     m_entries.clear();
     m_encoded.clear();
-    save();
+    save(When::Now);
     if (changed) Q_EMIT entriesChanged();
 }
 
@@ -119,7 +123,7 @@ void HistoryStore::takeFromInbox() {
     bool changed = false;
     const Result<void> taken = m_inbox->take([&](const QList<HistoryEntry>& waiting) {
         changed = putInFront(waiting);
-        return save() == Stored::Yes;
+        return save(When::Now) == Stored::Yes;
     });
     if (!taken && taken.error().code == EWOULDBLOCK) {
         QTimer::singleShot(retryPause, this, &HistoryStore::takeFromInbox);

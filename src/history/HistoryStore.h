@@ -47,9 +47,11 @@ Q_SIGNALS:
 
 private:
     enum class Stored { Yes, No };
+    enum class When { Now, Soon };
 
     void load();
-    Stored save();
+    /// Soon leaves the disk to another thread, and what goes wrong to whoever gave us the preferences.
+    Stored save(When when);
     bool putInFront(const QList<HistoryEntry>& oldestFirst);
     void watchInbox();
     void takeFromInbox();

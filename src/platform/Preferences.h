@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <variant>
 
@@ -62,6 +63,17 @@ public:
         return write(key.name, PreferenceValue(value));
     }
 
+    /// What became of a value that was to be stored soon. Main thread.
+    using Stored = std::function<void(const Result<void>&)>;
+
+    /// Stores a large value without keeping the caller waiting for the disk. It is read from now on, and
+    /// later changes of the key come after it; of values that follow one another quickly only the last is
+    /// sure to reach the disk. The end of the preferences waits for it.
+    template <class T>
+    void setValueSoon(PreferenceKey<T> key, const std::type_identity_t<T>& value, Stored stored = {}) {
+        writeSoon(key.name, PreferenceValue(value), std::move(stored));
+    }
+
     template <class T>
     Result<void> remove(PreferenceKey<T> key) {
         return write(key.name, std::nullopt);
@@ -78,6 +90,11 @@ protected:
     virtual std::optional<PreferenceValue> read(const char* name) const = 0;
     virtual Result<void> write(const char* name, std::optional<PreferenceValue> value) = 0;
     virtual void keepAside(const char* name) = 0;
+    /// At once, unless the store knows better.
+    virtual void writeSoon(const char* name, PreferenceValue value, Stored stored) {
+        const Result<void> written = write(name, std::move(value));
+        if (stored) stored(written);
+    }
 };
 
 }  // namespace orvo

@@ -28,9 +28,24 @@ Result<void> ReportingPreferences::write(const char* name, std::optional<Prefere
     };
     Result<void> written =
         value ? std::visit(store, *value) : m_preferences.remove(PreferenceKey<QByteArray>{name});
+    note(written);
+    return written;
+}
+
+void ReportingPreferences::note(const Result<void>& written) {
     const bool wasFailing = std::exchange(m_failing, !written);
     if (!written && !wasFailing) m_report(written.error());
-    return written;
+}
+
+void ReportingPreferences::writeSoon(const char* name, PreferenceValue value, Stored stored) {
+    const auto noted = [self = std::weak_ptr(m_self),
+                        stored = std::move(stored)](const Result<void>& written) {
+        if (const auto reporting = self.lock()) (*reporting)->note(written);
+        if (stored) stored(written);
+    };
+    std::visit(
+        [&]<class T>(const T& typed) { m_preferences.setValueSoon(PreferenceKey<T>{name}, typed, noted); },
+        value);
 }
 
 void ReportingPreferences::keepAside(const char* name) {

@@ -3,6 +3,7 @@
 #include "platform/Preferences.h"
 
 #include <functional>
+#include <memory>
 
 namespace orvo {
 
@@ -18,11 +19,16 @@ protected:
     std::optional<PreferenceValue> read(const char* name) const override;
     Result<void> write(const char* name, std::optional<PreferenceValue> value) override;
     void keepAside(const char* name) override;
+    void writeSoon(const char* name, PreferenceValue value, Stored stored) override;
 
 private:
+    void note(const Result<void>& written);
+
     Preferences& m_preferences;
     std::function<void(const Error&)> m_report;
     bool m_failing = false;
+    /// Gone with this object; what is stored later has nobody to report to.
+    std::shared_ptr<ReportingPreferences*> m_self = std::make_shared<ReportingPreferences*>(this);
 };
 
 }  // namespace orvo

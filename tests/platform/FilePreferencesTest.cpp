@@ -1,6 +1,7 @@
 #include "platform/linux/FilePreferences.h"
 
 #include "platform/TemporaryFolder.h"
+#include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
 
@@ -223,6 +224,51 @@ TEST(FilePreferences, surviveAKillAtAnyMoment) {
         ASSERT_FALSE(folder.names().contains("preferences.json.damaged")) << "round " << round;
     }
     EXPECT_TRUE(FilePreferences(folder.path(), Access::ReadOnly).value(preference::history));
+}
+
+TEST(FilePreferencesSoon, keepsNobodyWaitingAndLosesNothing) {
+    const TemporaryFolder temporary;
+    const FilePath folder = temporary.child("orvo-ai");
+    const auto onDisk = [&] {
+        return FilePreferences(folder, Access::ReadOnly).value(preference::history);
+    };
+    const QByteArray large(4'000'000, 'x');
+    {
+        FilePreferences preferences(folder, Access::ReadWrite);
+        int stored = 0;
+        for (int turn = 0; turn < 20; ++turn) {
+            preferences.setValueSoon(
+                preference::history, large + QByteArray::number(turn),
+                [&stored](const Result<void>& written) { stored += written ? 1 : -1000; });
+            EXPECT_EQ(preferences.value(preference::history), large + QByteArray::number(turn));
+        }
+        ASSERT_TRUE(test::waitFor([&] { return onDisk() == large + "19"; }));
+        EXPECT_TRUE(test::waitFor([&] { return stored > 0; }));
+
+        // What is stored at once comes after what was to be stored soon.
+        preferences.setValueSoon(preference::history, large);
+        EXPECT_TRUE(preferences.setValue(preference::history, "now"));
+        EXPECT_EQ(onDisk(), QByteArray("now"));
+        preferences.setValueSoon(preference::history, large);
+        EXPECT_TRUE(preferences.remove(preference::history));
+        EXPECT_FALSE(onDisk());
+        EXPECT_FALSE(test::waitFor([&] { return onDisk().has_value(); }, std::chrono::milliseconds(200)));
+        preferences.setValueSoon(preference::history, "last");
+    }
+    EXPECT_EQ(onDisk(), QByteArray("last")) << "the end waits";
+}
+
+TEST(FilePreferencesSoon, whatCannotBeStoredIsSaidAndStaysForThisRun) {
+    const TemporaryFolder temporary;
+    const FilePath file = temporary.child("in the way");
+    writeFile(file, "a file where the folder should be");
+    FilePreferences preferences(file.child("orvo-ai"), Access::ReadWrite);
+    std::optional<Result<void>> stored;
+    preferences.setValueSoon(preference::history, "kept",
+                             [&stored](const Result<void>& written) { stored = written; });
+    ASSERT_TRUE(test::waitFor([&] { return stored.has_value(); }));
+    EXPECT_FALSE(*stored);
+    EXPECT_EQ(preferences.value(preference::history), QByteArray("kept"));
 }
 
 }  // namespace

@@ -67,6 +67,10 @@ FilePreferences::FilePreferences(FilePath folder, Access access)
     m_small = document.object();
 }
 
+FilePreferences::~FilePreferences() {
+    finishWriting();
+}
+
 FilePath FilePreferences::smallFile() const {
     return m_folder.child("preferences.json");
 }
@@ -128,6 +132,9 @@ Result<void> FilePreferences::writeSmall(const QByteArray& name, const QJsonValu
 
 Result<void> FilePreferences::writeData(const QByteArray& name, const std::optional<QByteArray>& data) {
     const FilePath file = dataFile(name);
+    finishWriting();
+    // What the writer has still to report is about an older value.
+    if (const auto turn = m_turns.constFind(name); turn != m_turns.constEnd()) ++**turn;
     if (!data) {
         if (unlink(file.bytes().constData()) == 0 || errno == ENOENT || errno == ENOTDIR) {
             m_unsavedData.remove(name);
@@ -138,11 +145,53 @@ Result<void> FilePreferences::writeData(const QByteArray& name, const std::optio
         return systemFailure(code, file);
     }
     m_unsavedData.insert(name, data);
-    if (Result<void> created = createPrivateFolder(m_folder); !created) return created;
-    if (Result<void> kept = putAside(file); !kept) return kept;
+    if (Result<void> ready = prepare(file); !ready) return ready;
     Result<void> saved = saveAtomically(file, *data);
     if (saved) m_unsavedData.remove(name);
     return saved;
+}
+
+Result<void> FilePreferences::prepare(const FilePath& file) {
+    return createPrivateFolder(m_folder).and_then([&] { return putAside(file); });
+}
+
+void FilePreferences::writeSoon(const char* name, PreferenceValue value, Stored stored) {
+    const auto* const data = std::get_if<QByteArray>(&value);
+    if (!m_writer && data) m_writer = SerialQueue::create("orvo.preferences");
+    if (!data || !m_writer || m_access == Access::ReadOnly || m_small.contains(QLatin1String(name)))
+        return Preferences::writeSoon(name, std::move(value), std::move(stored));
+    postData(name, *data, std::move(stored));
+}
+
+void FilePreferences::postData(const QByteArray& name, const QByteArray& data, Stored stored) {
+    const FilePath file = dataFile(name);
+    m_unsavedData.insert(name, data);
+    if (const Result<void> ready = prepare(file); !ready) {
+        if (stored) stored(ready);
+        return;
+    }
+    Turn& turn = m_turns[name];
+    if (!turn) turn = std::make_shared<std::atomic<int>>(0);
+    const int mine = ++*turn;
+    if (!m_reports) m_reports = std::make_unique<QObject>();
+    m_writer->async(
+        [this, file, name, data, turn, mine, stored = std::move(stored), reports = m_reports.get()] {
+            // A newer value waits already.
+            if (*turn != mine) return;
+            const Result<void> saved = saveAtomically(file, data);
+            // The writer ends before the object that it reports to.
+            QMetaObject::invokeMethod(
+                reports,
+                [this, name, turn, mine, saved, stored] {
+                    if (saved && *turn == mine) m_unsavedData.remove(name);
+                    if (stored) stored(saved);
+                },
+                Qt::QueuedConnection);
+        });
+}
+
+void FilePreferences::finishWriting() {
+    if (m_writer) m_writer->sync([] {});
 }
 
 Result<void> FilePreferences::putAside(const FilePath& file) {
