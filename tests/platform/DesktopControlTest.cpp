@@ -1,6 +1,7 @@
 // Opens real applications and types into them, in an X server with a window manager.
 
 #include "platform/desktop/X11DesktopControl.h"
+#include "platform/desktop/XConnection.h"
 #include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
@@ -26,6 +27,14 @@ protected:
     void TearDown() override {
         for (const auto& running : opened)
             kill(static_cast<pid_t>(running.processID), SIGTERM);
+        // A window that goes late would take the keyboard from the first one of the next test.
+        for (const auto& running : opened)
+            EXPECT_TRUE(
+                waitFor([&] { return hasEnded(running.processID) && !desktop.isFrontmost(running); }));
+    }
+    static bool hasEnded(qint64 process) {
+        QFile status(QStringLiteral("/proc/%1/stat").arg(process));
+        return !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
     }
 
     void install(const char* id, const QByteArray& command) {
@@ -144,6 +153,24 @@ TEST_F(DesktopControlTest, StopsTypingWhenAnotherWindowComesToTheFront) {
     ASSERT_TRUE(press(second, 1, 0x100000));
     ASSERT_TRUE(waitFor([&] { return !content(QStringLiteral("other")).isEmpty(); }));
     EXPECT_EQ(content(QStringLiteral("other")), QStringLiteral("x"));
+}
+
+TEST_F(DesktopControlTest, AWindowThatGetsNoKeysIsNotInFrontWhateverTheWindowManagerSays) {
+    install("typing-target", ORVO_TYPING_TARGET " " + folder.filePath(QStringLiteral("saved")).toUtf8());
+    const RunningApplication target = openInFront("typing-target");
+    const auto windowManager = static_cast<pid_t>(qEnvironmentVariableIntValue("WINDOW_MANAGER_PID"));
+    ASSERT_GT(windowManager, 1);
+    // Too busy to notice that the keyboard is nobody's.
+    ASSERT_EQ(kill(windowManager, SIGSTOP), 0);
+    const auto connection = XConnection::open();
+    xcb_set_input_focus(connection->get(), XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT,
+                        XCB_CURRENT_TIME);
+    connection->synchronise();
+    EXPECT_FALSE(desktop.isFrontmost(target));
+    EXPECT_FALSE(type(target, QStringLiteral("secret")));
+    EXPECT_EQ(typed, 0);
+    EXPECT_EQ(kill(windowManager, SIGCONT), 0);
+    EXPECT_TRUE(waitFor([&] { return desktop.isFrontmost(target); }));
 }
 
 TEST_F(DesktopControlTest, BringsARunningApplicationToTheFrontInsteadOfStartingItAgain) {

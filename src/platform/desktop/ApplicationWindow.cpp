@@ -49,11 +49,21 @@ std::optional<ApplicationWindow> describe(const XConnection& connection, xcb_win
     return window;
 }
 
+// A busy window manager tells of a window that has gone, whose number may be another one's by then, while
+// keys go to whatever is under the pointer. Programs may take their keys in a window beside the visible one.
+bool getsKeys(const XConnection& connection, xcb_window_t window) {
+    const XReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection.get(), xcb_get_input_focus(connection.get()), nullptr));
+    const uint32_t withinProgram = xcb_get_setup(connection.get())->resource_id_mask;
+    return reply && reply->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
+           (reply->focus & ~withinProgram) == (window & ~withinProgram);
+}
+
 }  // namespace
 
 std::optional<ApplicationWindow> ApplicationWindow::inFront(const XConnection& connection) {
     const auto window = number(connection, connection.root(), "_NET_ACTIVE_WINDOW");
-    return window ? describe(connection, *window) : std::nullopt;
+    return window && getsKeys(connection, *window) ? describe(connection, *window) : std::nullopt;
 }
 
 QList<ApplicationWindow> ApplicationWindow::all(const XConnection& connection) {
