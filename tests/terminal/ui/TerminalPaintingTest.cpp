@@ -379,16 +379,20 @@ TEST(TerminalPainting, OutputThatChangesNothingIsNotPainted) {
 
 TEST(TerminalPainting, AFloodIsPaintedOnceAFrame) {
     RunningTerminal terminal(
-        "stty raw -echo; printf 'ready>'; read -k; for i in {1..20000}; do echo $i; done; printf 'done'; "
-        "cat");
+        "stty raw -echo; printf 'ready>'; read -k; until read -t 0 -k; do for i in {1..500}; do echo $i; "
+        "done; "
+        "done; printf 'done'; cat");
     ASSERT_TRUE(terminal.start());
     PaintWatcher watcher(terminal.view);
     const int revision = terminal.session.revision();
     QElapsedTimer time;
     time.start();
     terminal.session.send(QStringLiteral("g"));
+    // On a busy machine, much of it comes in few batches.
+    ASSERT_TRUE(waitFor([&] { return terminal.session.revision() - revision > 100; }));
+    terminal.session.send(QStringLiteral("."));
     ASSERT_TRUE(terminal.shows("done"));
-    EXPECT_GT(terminal.session.revision() - revision, 20) << "the flood came in many batches";
+    EXPECT_GT(watcher.paints, 0);
     EXPECT_LE(watcher.paints, time.elapsed() / 16 + 2);
 }
 
