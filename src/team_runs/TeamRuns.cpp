@@ -70,6 +70,7 @@ TeamRuns::TeamRuns(TeamRunHost& host, Clock& clock, FilePath runsFolder, QObject
 
 TeamRuns::~TeamRuns() {
     m_stop.request_stop();
+    saveUnsavedRuns();
 }
 
 void TeamRuns::setSelectedRunID(const std::optional<QUuid>& id) {
@@ -89,7 +90,20 @@ TeamRun* TeamRuns::find(const QUuid& id) {
 
 void TeamRuns::saveRun(const TeamRun& run) {
     const Result<void> saved = RunStore::save(run);
-    if (!saved) m_host.notify(tr("Could not save the run record: ") + saved.error().message);
+    if (saved) {
+        m_unsavedRuns.remove(run.id);
+        saveUnsavedRuns();
+        return;
+    }
+    m_unsavedRuns.insert(run.id);
+    m_host.notify(tr("Could not save the run record: ") + saved.error().message);
+}
+
+void TeamRuns::saveUnsavedRuns() {
+    m_unsavedRuns.removeIf([this](const QUuid& id) {
+        const TeamRun* const run = find(id);
+        return run == nullptr || RunStore::save(*run).has_value();
+    });
 }
 
 // Preparing

@@ -105,6 +105,7 @@ private:
 
     TeamRun* find(const QUuid& id);
     void saveRun(const TeamRun& run);
+    void saveUnsavedRuns();
     void followRuns();
     void scheduleReload();
     void reload();
@@ -128,6 +129,9 @@ private:
 
     /// Runs whose sessions this process started: its records are the true ones.
     QSet<QUuid> m_ownRuns;
+    /// Runs whose record is older than they are, because there was no room; tried again with the next record
+    /// that has room, and at the end.
+    QSet<QUuid> m_unsavedRuns;
     QFileSystemWatcher m_watcher;
     bool m_reloadDue = false;
 };

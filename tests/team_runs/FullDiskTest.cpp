@@ -151,6 +151,14 @@ TEST_F(FullDiskRuns, ARunGoesOnWhenNothingOfItsEndCanBeWritten) {
     EXPECT_TRUE(m_engine.runOutput(run.copies[0], run).contains(QStringLiteral("answered")));
     EXPECT_EQ(RunStore::loadRun(run.root), recorded) << "the last one that could be written";
     EXPECT_FALSE(holdsTemporary("disk/Runs"));
+
+    // The next record that has room brings it up to date.
+    m_disk->clear();
+    m_tree.remove("project/big");
+    ASSERT_TRUE(prepare({connector(QStringLiteral("a"), QStringLiteral("exit 0"))}));
+    ASSERT_EQ(m_engine.teamRuns().size(), 2);
+    EXPECT_EQ(RunStore::loadRun(run.root), run);
+    ASSERT_TRUE(sessionsEnd());
 }
 
 // Apply
