@@ -168,7 +168,11 @@ void OrvoApplication::serve(const StartRequest& request) {
     if (m_ended) return;
     // The desktop lets a window come to the front for the token of the start that asked for it.
     if (!request.activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
-    showMainWindow();
+    // A quick draft is written beside whatever the person is at; a question that stands already is to be
+    // seen.
+    const bool isAside =
+        request.errand == Options::Errand::QuickDraft && !request.workspace && !isTransient();
+    if (!isAside || m_quitting || m_serving) showMainWindow();
     // It is not for the programs that are started from here.
     qunsetenv("XDG_ACTIVATION_TOKEN");
     // A question stands already, about quitting or for an earlier request: the person sees it now.

@@ -10,6 +10,7 @@ from desktop import press_key, text_of, type_text, wait_for, xdotool
 from home import on_a_project
 
 SCREEN = (1600, 1000)
+CENTER = (800, 300)
 PET = (176, 186)
 RIGHT, BOTTOM = 28, 30  # the pet's first distance from the corner
 
@@ -122,6 +123,22 @@ def walk(program, project):
     finally:
         compositor.kill()
         compositor.wait()
+
+    # Over a window that fills the screen, from the desktop's menu.
+    film = subprocess.Popen(["xterm", "-fullscreen", "-bg", "white"], stdout=subprocess.DEVNULL,
+                            stderr=subprocess.DEVNULL)
+    try:
+        wait_for("the full screen", lambda: color_at(*CENTER) == (255, 255, 255))
+        subprocess.run([program.process.args[0], "--quick-draft"], check=True, timeout=30)
+        x, y, _, _ = wait_for("the draft", draft)
+        wait_for("the draft in front", lambda: color_at(x + 170, y + 200) != (255, 255, 255))
+        assert color_at(*CENTER) == (255, 255, 255), "only the draft came"
+        program.picture("4-over-a-full-screen")
+        press_key("Escape")
+        wait_for("the draft to close", lambda: not draft())
+    finally:
+        film.kill()
+        film.wait()
 
     # The window hides while the pet is there, and comes back.
     xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")

@@ -216,6 +216,19 @@ TEST_F(CompanionTest, thePageShapesThePetOnTheDesktop) {
     EXPECT_EQ(workspace().destination(), Destination::Settings);
 }
 
+TEST_F(CompanionTest, theDraftCanBecomeTheTaskOfAPlan) {
+    companion();
+    macActions();
+    screen();
+    workspace().setDestination(Destination::Mac);
+    press(QStringLiteral("Use voice draft"));
+    EXPECT_EQ(workspace().destination(), Destination::Companion);
+    companion().setDraft(QStringLiteral("Note the tide"));
+    workspace().setDestination(Destination::Mac);
+    press(QStringLiteral("Use voice draft"));
+    EXPECT_EQ(macActions().planner().task(), QStringLiteral("Note the tide"));
+}
+
 TEST_F(CompanionTest, theChosenPetIsTheOneThatIsMarked) {
     companion();
     OrvoRoot& root = screen();
