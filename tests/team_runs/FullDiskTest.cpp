@@ -229,17 +229,23 @@ INSTANTIATE_TEST_SUITE_P(FullDisk, FullDiskApply,
 
 using FullDiskPreferences = FullDisk;
 
+/// Records, and waits for what is left to another thread: another data value comes after it.
+void recordNow(HistoryStore& history, FilePreferences& preferences, const HistoryEntry& entry) {
+    history.record(entry);
+    EXPECT_TRUE(preferences.remove(preference::petImage));
+}
+
 TEST_F(FullDiskPreferences, WhatIsStoredStaysWhatIsNewIsKeptAndStoredWithTheNextRoom) {
     const FilePath folder = m_tree.path("disk/orvo-ai");
     FilePreferences preferences(folder, FilePreferences::Access::ReadWrite);
     HistoryStore history(&preferences);
     ASSERT_TRUE(preferences.setValue(preference::preset, QStringLiteral("before")));
-    history.record(test::sampleEntry(QStringLiteral("one")));
+    recordNow(history, preferences, test::sampleEntry(QStringLiteral("one")));
     const Drawing stored = m_tree.drawing("disk/orvo-ai");
 
     // The large value fails in its middle, the small one at once.
     m_disk->fill(2);
-    history.record(test::sampleEntry(QStringLiteral("two"), QString(50'000, u'o')));
+    recordNow(history, preferences, test::sampleEntry(QStringLiteral("two"), QString(50'000, u'o')));
     m_disk->clear();
     m_disk->fill();
     const auto written = preferences.setValue(preference::preset, QStringLiteral("meanwhile"));
@@ -250,7 +256,7 @@ TEST_F(FullDiskPreferences, WhatIsStoredStaysWhatIsNewIsKeptAndStoredWithTheNext
     EXPECT_EQ(test::titlesOf(history.entries()), QStringLiteral("two one"));
 
     m_disk->clear();
-    history.record(test::sampleEntry(QStringLiteral("three")));
+    recordNow(history, preferences, test::sampleEntry(QStringLiteral("three")));
     ASSERT_TRUE(preferences.setValue(preference::keepAwake, true));
     FilePreferences next(folder, FilePreferences::Access::ReadOnly);
     EXPECT_EQ(next.value(preference::preset), QStringLiteral("meanwhile"));
