@@ -49,7 +49,8 @@ void ActionCard::paintEvent(QPaintEvent*) {
         strokeRounded(painter, rect(), Card::radius,
                       blended(toQColor(roles.border), toQColor(roles.borderStrong), hover()));
     }
-    const QRectF tileRect(padding, (height() - tile) / 2, tile, tile);
+    const int tileTop = (height() - tile) / 2;
+    const QRectF tileRect(padding, tileTop, tile, tile);
     fillRounded(painter, tileRect, 8, toQColor(roles.tile));
     paintSymbol(painter, tileRect, m_icon, toQColor(roles.accent), 16);
     QRect line = rect().adjusted(padding + tile + gap, 0, -padding, 0);
