@@ -35,24 +35,25 @@ std::string withAlt(std::string_view bytes, KeyModifiers modifiers) {
     return result.append(bytes);
 }
 
-/// A control character but tab, line feed and carriage return, C1 in its two-byte form included.
-/// `size` receives the bytes it takes.
-bool isUnsafeControl(std::string_view rest, std::size_t& size) {
-    const auto byte = static_cast<unsigned char>(rest[0]);
-    size = 1;
-    if (byte == '\t' || byte == '\n' || byte == '\r') return false;
-    if (byte < 0x20 || byte == 0x7F) return true;
-    if (byte != 0xC2 || rest.size() < 2) return false;
-    const auto second = static_cast<unsigned char>(rest[1]);
-    size = 2;
-    return second >= 0x80 && second <= 0x9F;
+bool isUnsafeControl(char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    return (code < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') || byte == deleteCharacter;
 }
 
+/// Without control characters but tab, line feed and carriage return. Those of U+0080 to U+009F go too, and
+/// so do the remains of one that come together only when something between them is gone.
 std::string withoutUnsafeControls(std::string_view text) {
+    constexpr char c1Lead = '\xC2';
     std::string kept;
     kept.reserve(text.size());
-    for (std::size_t at = 0, size = 0; at < text.size(); at += size) {
-        if (!isUnsafeControl(text.substr(at), size)) kept.append(text.substr(at, size));
+    for (const char byte : text) {
+        if (isUnsafeControl(byte)) continue;
+        const auto code = static_cast<unsigned char>(byte);
+        if (code >= 0x80 && code <= 0x9F && !kept.empty() && kept.back() == c1Lead) {
+            kept.pop_back();
+        } else {
+            kept.push_back(byte);
+        }
     }
     return kept;
 }

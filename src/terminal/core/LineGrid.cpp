@@ -12,6 +12,13 @@ TerminalRow* RowStore::take() {
     return row;
 }
 
+void RowStore::compact() {
+    for (TerminalRow* const row : m_free) {
+        row->clear(0, row->stamp());
+        row->shrink();
+    }
+}
+
 void LineGrid::rotateUp(int top, int bottom) {
     if (top == 0 && bottom == size() - 1) {
         m_first = m_first + 1 == m_lines.size() ? 0 : m_first + 1;

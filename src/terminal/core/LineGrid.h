@@ -18,6 +18,8 @@ public:
     void giveBack(TerminalRow* row) {
         if (row != nullptr) m_free.push_back(row);
     }
+    /// Gives the memory of the rows back that nobody uses.
+    void compact();
 
 private:
     std::deque<TerminalRow> m_rows;

@@ -54,6 +54,7 @@ void TerminalScreen::compact() {
     for (int index = 0; index < scrollbackCount(); ++index) {
         m_scrollback.line(index)->shrink();
     }
+    m_store.compact();
 }
 
 void TerminalScreen::resize(int rows, int columns) {

@@ -75,6 +75,14 @@ TEST(ScreenMemory, FloodsAreBounded) {
         << "marks and repetitions";
     EXPECT_LE(mebibytes(24, 80,
                         [](TerminalScreen& screen) {
+                            for (int count = 0; count < 170'000; ++count)
+                                screen.feed("e\u0301\u0302");
+                            screen.feed("\x1B[3J");
+                        }),
+              1.0)
+        << "marks in a scrollback that is cleared";
+    EXPECT_LE(mebibytes(24, 80,
+                        [](TerminalScreen& screen) {
                             for (int count = 0; count < 3'000; ++count) {
                                 screen.resize(3 + count % 90, 10 + count * 7 % 400);
                                 screen.feed("some text that is longer than ten columns\r\n");

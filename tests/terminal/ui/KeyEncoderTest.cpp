@@ -116,6 +116,11 @@ TEST(KeyEncoder, NothingPastedCanEndTheBracket) {
     EXPECT_EQ(encodePaste("a\tb\r\nc\n", PasteBrackets::On), bracketed("a\tb\r\nc\n"));
     EXPECT_EQ(encodePaste("x\x1b[201~; rm -r\x03\x7f\0y"s, PasteBrackets::On), bracketed("x[201~; rm -ry"));
     EXPECT_EQ(encodePaste("\u009b201~ü\u00a0世", PasteBrackets::On), bracketed("201~ü\u00a0世"));
+    // Halves that come together when what parted them is gone.
+    EXPECT_EQ(encodePaste("a\xC2\x1b\x9b"
+                          "b",
+                          PasteBrackets::On),
+              bracketed("ab"));
     EXPECT_EQ(encodePaste("x\x1b[201~\x03\n", PasteBrackets::Off), "x\x1b[201~\x03\n");
 }
 
