@@ -8,6 +8,7 @@
 #include "companion/ui/builtInPet.h"
 #include "platform/EscapedPrograms.h"
 #include "platform/saveAtomically.h"
+#include "workspace/SessionNotices.h"
 #include "workspace/WorkspaceMacActions.h"
 #include "workspace/WorkspaceTeamRuns.h"
 #include "workspace/ui/Composer.h"
@@ -51,6 +52,7 @@ OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options opti
       m_options(std::move(options)),
       m_places(std::move(places)),
       m_escapedPrograms(desktop.escapedPrograms),
+      m_notifications(desktop.notifications),
       m_theme(services.preferences),
       m_workspace(services),
       m_macActions(std::make_unique<WorkspaceMacActions>(m_workspace, desktop.control, services.clock,
@@ -97,6 +99,9 @@ void OrvoApplication::launch() {
     runErrand(m_options.errand);
     if (m_options.capture) capturePages();
     if (isTransient()) return;
+    m_notices = std::make_unique<SessionNotices>(
+        m_workspace, m_services.clock, *m_services.preferences, m_notifications,
+        [this](const QByteArray& activationToken) { showMainWindow(activationToken); });
     // Once the event loop runs: the question must not hold up the start.
     m_services.clock.after(0ms, this, [this] { startCompanion(); });
     m_services.clock.after(0ms, this, [this] { tellOfTheLastRun(); });
@@ -166,15 +171,11 @@ void OrvoApplication::runErrand(Options::Errand errand) {
 
 void OrvoApplication::serve(const StartRequest& request) {
     if (m_ended) return;
-    // The desktop lets a window come to the front for the token of the start that asked for it.
-    if (!request.activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", request.activationToken);
     // A quick draft is written beside whatever the person is at; a question that stands already is to be
     // seen.
     const bool isAside =
         request.errand == Options::Errand::QuickDraft && !request.workspace && !isTransient();
-    if (!isAside || m_quitting || m_serving) showMainWindow();
-    // It is not for the programs that are started from here.
-    qunsetenv("XDG_ACTIVATION_TOKEN");
+    if (!isAside || m_quitting || m_serving) showMainWindow(request.activationToken);
     // A question stands already, about quitting or for an earlier request: the person sees it now.
     if (m_quitting || m_serving) return;
     const QScopedValueRollback serving(m_serving, true);
@@ -206,6 +207,13 @@ void OrvoApplication::showMainWindow() {
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+}
+
+void OrvoApplication::showMainWindow(const QByteArray& activationToken) {
+    if (!activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+    showMainWindow();
+    // It is not for the programs that are started from here.
+    qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 void OrvoApplication::about() {
@@ -319,6 +327,7 @@ void OrvoApplication::end() {
     if (m_ended) return;
     m_ended = true;
     if (m_companionController) m_companionController->shutdown();
+    m_notices.reset();
     if (m_workspace.preparingRun()) m_workspace.cancelPreparation();
     stopSessionsAndWait(m_workspace.sessions());
     Q_EMIT ended();

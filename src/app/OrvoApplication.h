@@ -17,9 +17,11 @@ namespace orvo {
 
 class CompanionController;
 class DesktopControl;
+class DesktopNotifications;
 class EscapedPrograms;
 class MainWindow;
 class OrvoRoot;
+class SessionNotices;
 class WorkspaceMacActions;
 class WorkspaceTeamRuns;
 
@@ -40,6 +42,7 @@ struct DesktopServices {
     SpeechRecognition& recognition;
     SpeechSynthesizer& synthesizer;
     EscapedPrograms& escapedPrograms;
+    DesktopNotifications& notifications;
 };
 
 /// The running application with a window: it makes the models, shows the window and ends the run. Main thread
@@ -67,6 +70,8 @@ public:
     /// Opens the main window, once.
     void launch();
     void showMainWindow();
+    /// With what the desktop gave the one who asks, so that it lets the window come to the front.
+    void showMainWindow(const QByteArray& activationToken);
     /// What a later start asks for: the window in front, and perhaps a folder or an errand.
     void serve(const StartRequest& request);
 
@@ -116,6 +121,7 @@ private:
     const Options m_options;
     const AppPlaces m_places;
     EscapedPrograms& m_escapedPrograms;
+    DesktopNotifications& m_notifications;
     Theme m_theme;
     Workspace m_workspace;
     const std::unique_ptr<WorkspaceMacActions> m_macActions;
@@ -127,6 +133,8 @@ private:
     std::optional<FilePath> m_throwAwayExamples;
     /// Null in a transient run.
     std::unique_ptr<WorkspaceTeamRuns> m_teamRuns;
+    /// Null in a transient run, and before `launch`.
+    std::unique_ptr<SessionNotices> m_notices;
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<CompanionController> m_companionController;
     OrvoRoot* m_root = nullptr;

@@ -17,6 +17,7 @@
 #include "platform/images/QtImageDecoder.h"
 #include "platform/linux/AdoptedPrograms.h"
 #include "platform/linux/FilePreferences.h"
+#include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/LogindSleepInhibitor.h"
 #include "platform/linux/MotionSetting.h"
 #include "platform/observe.h"
@@ -114,6 +115,7 @@ int showWindow(const char* program, const Options& options) {
     VoiceServices voice(preferences ? &*preferences : nullptr);
     LogindSleepInhibitor sleepInhibitor;
     AdoptedPrograms escapedPrograms(clock);
+    FreedesktopNotifications notifications;
     OrvoApplication orvo({.preferences = preferences ? &*preferences : nullptr,
                           .clock = clock,
                           .dialogs = dialogs,
@@ -127,7 +129,8 @@ int showWindow(const char* program, const Options& options) {
                           .microphone = voice.microphone(),
                           .recognition = voice.recognition(),
                           .synthesizer = voice.synthesizer(),
-                          .escapedPrograms = escapedPrograms});
+                          .escapedPrograms = escapedPrograms,
+                          .notifications = notifications});
     // Not quit(): that would first ask the window to close, which it answers by asking for this end.
     QObject::connect(
         &orvo, &OrvoApplication::ended, &application, [] { QCoreApplication::exit(0); },

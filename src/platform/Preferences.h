@@ -40,6 +40,7 @@ inline constexpr PreferenceKey<bool> petAnimate{"orvo.pet.animate"};
 inline constexpr PreferenceKey<QByteArray> petImage{"orvo.pet.image"};
 inline constexpr PreferenceKey<bool> petWarriorInstalled{"orvo.pet.warriorInstalled.v1"};
 inline constexpr PreferenceKey<QString> recognizerCommand{"companion.recognizerCommand"};
+inline constexpr PreferenceKey<bool> notifications{"notifications"};
 inline constexpr PreferenceKey<double> petX{"orvo.pet.x"};
 inline constexpr PreferenceKey<double> petY{"orvo.pet.y"};
 }  // namespace preference

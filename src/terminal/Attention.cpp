@@ -47,13 +47,15 @@ Attention::Mark Attention::mark(Time now) const {
     return m_lastOutput && now - *m_lastOutput < workingFor ? Mark::Working : Mark::Quiet;
 }
 
+QString Attention::request() const {
+    if (!m_request) return {};
+    if (m_request->cause == Cause::Bell || m_request->text.isEmpty()) return tr("bell");
+    return tr("message “%1”").arg(m_request->text);
+}
+
 QString Attention::evidence(Time now) const {
     if (m_ended) return tr("ended %1").arg(age(now - *m_ended));
-    if (m_request) {
-        const QString ago = age(now - m_request->at);
-        if (m_request->cause == Cause::Bell || m_request->text.isEmpty()) return tr("bell %1").arg(ago);
-        return tr("message “%1” %2").arg(m_request->text, ago);
-    }
+    if (m_request) return tr("%1 %2").arg(request(), age(now - m_request->at));
     return m_lastOutput ? tr("output %1").arg(age(now - *m_lastOutput)) : QString();
 }
 

@@ -38,6 +38,8 @@ public:
     bool inFront() const { return m_inFront; }
 
     Mark mark(Time now) const;
+    /// "bell", "message “Done”"; empty while the program asks for nothing.
+    QString request() const;
     /// "bell 12 s ago", "message “Done” 2 min ago", "output 3 s ago", "ended 1 h ago"; empty when nothing has
     /// happened yet.
     QString evidence(Time now) const;

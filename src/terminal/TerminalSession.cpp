@@ -257,6 +257,10 @@ QString TerminalSession::evidence() const {
     return m_attention.evidence(std::chrono::steady_clock::now());
 }
 
+QString TerminalSession::request() const {
+    return m_attention.request();
+}
+
 void TerminalSession::setInFront(bool inFront) {
     m_attention.setInFront(inFront);
     refreshMark();

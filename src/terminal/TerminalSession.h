@@ -66,6 +66,8 @@ public:
     /// What the session needs of the person, and why.
     Attention::Mark mark() const;
     QString evidence() const;
+    /// What its program asks with, as "bell"; empty while it asks for nothing.
+    QString request() const;
     /// Whether the person looks at the session; told by whoever shows it.
     void setInFront(bool inFront);
 

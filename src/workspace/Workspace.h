@@ -166,6 +166,8 @@ Q_SIGNALS:
     void activeSessionIDChanged();
     /// Some listed session started or ended.
     void sessionStatesChanged();
+    /// What some listed session needs of the person.
+    void sessionMarksChanged();
     void teamRunsAttached();
 
 private:

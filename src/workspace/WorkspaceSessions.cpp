@@ -60,6 +60,7 @@ std::shared_ptr<TerminalSession> Workspace::startSession(const QString& provider
         workspace->sessionFinished(finished);
         if (onFinish) onFinish(finished);
     };
+    connect(session.get(), &TerminalSession::markChanged, this, &Workspace::sessionMarksChanged);
     m_sessions.push_back(session);
     m_activeSessionID = session->id();
     const bool pageIsNew = assign(m_destination, Destination::Workspace);

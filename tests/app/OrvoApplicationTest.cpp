@@ -3,6 +3,7 @@
 #include "app/EndRequests.h"
 #include "app/MainWindow.h"
 #include "companion/ui/CompanionController.h"
+#include "platform/fake/FakeDesktopNotifications.h"
 #include "platform/fake/FakeEscapedPrograms.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
@@ -26,7 +27,8 @@ protected:
         if (keep == Keep::Nothing) wanted.preferences = nullptr;
         m_application = std::make_unique<OrvoApplication>(
             wanted, options, places(),
-            DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer, m_escaped});
+            DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer, m_escaped,
+                            m_notifications});
         QObject::connect(m_application.get(), &OrvoApplication::ended, m_application.get(),
                          [this] { ++m_ended; });
         m_application->launch();
@@ -57,6 +59,7 @@ protected:
     }
 
     FakeEscapedPrograms m_escaped;
+    FakeDesktopNotifications m_notifications;
     std::unique_ptr<OrvoApplication> m_application;
     int m_ended = 0;
 };
@@ -169,6 +172,28 @@ TEST_F(OrvoApplicationTest, aLaterStartShowsTheMinimizedWindowAndOpensItsFolder)
     EXPECT_FALSE(m_application->window()->isMinimized());
     EXPECT_EQ(m_application->workspace().folder(), given);
     EXPECT_FALSE(m_preferences.value(preference::workspace));
+}
+
+TEST_F(OrvoApplicationTest, aNoticeOfTheDesktopLeadsToTheSessionThatAsks) {
+    using namespace std::chrono_literals;
+    launched();
+    startTerminal();
+    const auto asking = m_application->workspace().sessions().at(0);
+    menuItem(QStringLiteral("File"), QStringLiteral("New Terminal"))->trigger();
+    m_application->workspace().setDestination(Destination::Settings);
+    m_application->minimize();
+    asking->send(QStringLiteral("printf '\\033]777;notify;Build;done\\a'\r"));
+    ASSERT_TRUE(test::waitFor([&] { return asking->mark() == Attention::Mark::WantsYou; }));
+    m_clock.advance(1s);
+    ASSERT_TRUE(m_notifications.shown());
+    EXPECT_EQ(m_notifications.shown()->title, asking->title() + QStringLiteral(" wants you"));
+    EXPECT_EQ(m_notifications.shown()->body, QStringLiteral("message “Build done”"));
+
+    m_notifications.choose("token");
+    EXPECT_FALSE(m_application->window()->isMinimized());
+    EXPECT_EQ(m_application->workspace().activeSessionID(), asking->id());
+    EXPECT_EQ(m_application->workspace().destination(), Destination::Workspace);
+    EXPECT_TRUE(qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN"));
 }
 
 TEST_F(OrvoApplicationTest, aLaterStartAsksBeforeItsFolderReplacesUnsavedChanges) {

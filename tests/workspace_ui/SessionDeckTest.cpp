@@ -1,3 +1,4 @@
+#include "appearance/controls/NavRow.h"
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/SessionTab.h"
 #include "appearance/controls/TaskEditor.h"
@@ -7,6 +8,7 @@
 #include "workspace_ui/ScreenFixture.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QMenu>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -152,6 +154,25 @@ TEST_F(SessionDeckTest, aTabShowsThatItsSessionWantsThePerson) {
     ASSERT_TRUE(test::waitFor([&] { return tabs().at(0)->mark() == SessionTab::Mark::Wanted; }));
     EXPECT_TRUE(tabs().at(0)->accessibleDescription().startsWith(QStringLiteral("Wants you: bell ")));
     EXPECT_NE(tabs().at(1)->mark(), SessionTab::Mark::Wanted);
+
+    const auto* const entry = test::find<NavRow>(screen(), QStringLiteral("Workspace"));
+    ASSERT_TRUE(entry);
+    EXPECT_TRUE(entry->isWanted());
+    EXPECT_TRUE(entry->toolTip().contains(session->title() + QStringLiteral(": bell ")));
+    // The evidence is as old as it is when somebody looks.
+    SessionTab* const tab = tabs().at(0);
+    const QString before = tab->toolTip();
+    EXPECT_TRUE(before.contains(QStringLiteral("bell ")));
+    ASSERT_TRUE(test::waitFor([&] {
+        QHelpEvent hover(QEvent::ToolTip, {}, tab->mapToGlobal(QPoint()));
+        QApplication::sendEvent(tab, &hover);
+        return tab->toolTip() != before;
+    }));
+    EXPECT_TRUE(tab->toolTip().contains(QStringLiteral("bell ")));
+
+    session->setInFront(true);
+    EXPECT_FALSE(entry->isWanted());
+    EXPECT_TRUE(entry->toolTip().isEmpty());
 }
 
 TEST_F(SessionDeckTest, twelveSessionsInTheSmallestWindowScroll) {

@@ -10,6 +10,7 @@
 #include "companion/ui/CompanionController.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/FakeDesktopControl.h"
+#include "platform/fake/FakeDesktopNotifications.h"
 #include "platform/fake/FakeDialogs.h"
 #include "platform/fake/FakeEscapedPrograms.h"
 #include "platform/fake/FakeLauncher.h"
@@ -168,7 +169,7 @@ public:
                               .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
             Options{}, AppPlaces{AppFolders::fromProcess(), {}},
             DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer,
-                            m_escapedPrograms});
+                            m_escapedPrograms, m_notifications});
         m_application->launch();
         // The companion, whose windows this platform would make the active ones.
         m_clock.advance(std::chrono::milliseconds(1));
@@ -454,6 +455,7 @@ private:
     FakeSpeechRecognition m_recognition;
     FakeSpeechSynthesizer m_synthesizer;
     FakeEscapedPrograms m_escapedPrograms;
+    FakeDesktopNotifications m_notifications;
     std::unique_ptr<OrvoApplication> m_application;
 };
 

@@ -16,6 +16,7 @@ constexpr int padding = 8;
 constexpr int glyph = 18;
 constexpr int gap = 10;
 constexpr int badgeHeight = 20;
+constexpr int dot = 8;
 
 }  // namespace
 
@@ -35,6 +36,12 @@ void NavRow::setCount(int count) {
     if (count == m_count) return;
     m_count = count;
     setAccessibleDescription(count > 0 ? QString::number(count) : QString());
+    update();
+}
+
+void NavRow::setWanted(bool wanted) {
+    if (wanted == m_wanted) return;
+    m_wanted = wanted;
     update();
 }
 
@@ -66,6 +73,12 @@ void NavRow::paintEvent(QPaintEvent*) {
         painter.drawText(badge, Qt::AlignCenter, number);
         painter.setFont(font());
         text.setRight(badge.left() - 8);
+        if (m_wanted) {
+            const double left = badge.left() - 2 - dot;
+            fillRounded(painter, QRectF(left, (height() - dot) / 2.0, dot, dot), dot / 2.0,
+                        toQColor(roles.accent));
+            text.setRight(static_cast<int>(left) - 8);
+        }
     }
     painter.setPen(ink);
     painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,

@@ -16,6 +16,9 @@ public:
     void setCurrent(bool current);
     /// 0 shows none.
     void setCount(int count);
+    /// A dot at the count, for something among what is counted that wants the person.
+    void setWanted(bool wanted);
+    bool isWanted() const { return m_wanted; }
 
     QSize sizeHint() const override { return {120, 32}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -27,6 +30,7 @@ private:
     QString m_icon;
     int m_count = 0;
     bool m_current = false;
+    bool m_wanted = false;
 };
 
 }  // namespace orvo

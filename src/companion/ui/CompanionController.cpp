@@ -14,10 +14,12 @@
 #include "platform/desktop/panelHints.h"
 #include "platform/observe.h"
 #include "terminal/TerminalSession.h"
+#include "workspace/SessionNotices.h"
 #include "workspace/Workspace.h"
 
 #include <QGuiApplication>
 #include <QMenu>
+#include <QPainter>
 #include <QScreen>
 #include <QSystemTrayIcon>
 
@@ -31,6 +33,9 @@ namespace {
 constexpr QSizeF petAtOne(176, 186);
 /// Status items are drawn between 16 and 32 pixels high.
 constexpr int statusIconSize = 32;
+/// Half as wide as the mark of a session that asks.
+constexpr double statusDot = 8;
+constexpr auto evidenceInterval = std::chrono::seconds(10);
 
 }  // namespace
 
@@ -122,20 +127,44 @@ void CompanionController::makeStatusItem() {
     m_statusMenu->addAction(tr("Open Orvo AI"), this, &CompanionController::openMain);
     addApplicationEntries(*m_statusMenu);
     m_statusItem = std::make_unique<QSystemTrayIcon>();
-    m_statusItem->setToolTip(tr("Orvo AI"));
     m_statusItem->setContextMenu(m_statusMenu.get());
     connect(m_statusItem.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger) openMain();
             });
     observe(m_theme, {&Theme::accentHexChanged}, m_statusItem.get(), [this] { refreshStatusIcon(); });
+    m_askingAge.setInterval(evidenceInterval);
+    connect(&m_askingAge, &QTimer::timeout, this, &CompanionController::refreshAsking);
+    observe(m_workspace, {&Workspace::sessionMarksChanged, &Workspace::sessionsChanged}, m_statusItem.get(),
+            [this] { refreshAsking(); });
     // Shows up as soon as the desktop has a place for it.
     m_statusItem->show();
 }
 
 void CompanionController::refreshStatusIcon() {
-    m_statusItem->setIcon(QIcon(
-        symbolPixmap(QStringLiteral("circle.hexagongrid"), toQColor(m_theme.accent()), statusIconSize, 1)));
+    QPixmap drawing =
+        symbolPixmap(QStringLiteral("circle.hexagongrid"), toQColor(m_theme.accent()), statusIconSize, 1);
+    if (m_asking) {
+        QPainter painter(&drawing);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        const QPointF centre(statusIconSize - statusDot, statusDot);
+        // Cut out of the symbol, so that both can be told apart on a panel of any colour.
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.drawEllipse(centre, statusDot, statusDot);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        painter.setBrush(toQColor(Roles::of(m_theme).danger));
+        painter.drawEllipse(centre, statusDot - 2, statusDot - 2);
+    }
+    m_statusItem->setIcon(QIcon(drawing));
+}
+
+void CompanionController::refreshAsking() {
+    const QString asking = askingText(m_workspace);
+    m_statusItem->setToolTip(asking.isEmpty() ? tr("Orvo AI") : tr("Orvo AI") + u'\n' + asking);
+    if (assign(m_asking, !asking.isEmpty())) refreshStatusIcon();
+    if (m_asking && !m_askingAge.isActive()) m_askingAge.start();
+    if (!m_asking) m_askingAge.stop();
 }
 
 void CompanionController::addApplicationEntries(QMenu& menu) {
@@ -309,6 +338,7 @@ void CompanionController::shutdown() {
     stopAudio();
     m_panel->hide();
     m_controls->hide();
+    m_askingAge.stop();
     m_statusItem.reset();
     m_statusMenu.reset();
 }

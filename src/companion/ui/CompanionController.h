@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -84,6 +85,7 @@ private:
     void useDraft();
     void readOutput();
     void refreshStatusIcon();
+    void refreshAsking();
 
     CompanionModel& m_model;
     Workspace& m_workspace;
@@ -96,6 +98,9 @@ private:
     CompanionControls* m_draft = nullptr;
     std::unique_ptr<QMenu> m_statusMenu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
+    /// Runs while a session asks for the person: the age of the evidence grows.
+    QTimer m_askingAge;
+    bool m_asking = false;
     QPointF m_origin;
     /// Where the pet was when the pointer took hold of it.
     QPointF m_startOrigin;

@@ -79,6 +79,7 @@ void SessionTabs::refreshTabs() {
         connect(tab, &SessionTab::clicked, this, [this, id = session->id()] { Q_EMIT chosen(id); });
         observe(*session, {&TerminalSession::markChanged, &TerminalSession::programTitleChanged}, tab,
                 [this, tab, id = session->id()] { refreshMark(*tab, id); });
+        tab->installEventFilter(this);
         m_row->insertWidget(m_row->count() - 1, tab);
         m_tabs.insert(session->id(), tab);
     }
@@ -108,7 +109,18 @@ void SessionTabs::refreshMark(SessionTab& tab, const QUuid& id) const {
     }
     tab.setMark(markOf(session->mark()), meaning);
     const QString& program = session->programTitle();
-    tab.setToolTip(program.isEmpty() ? QString() : plainToolTip(session->title() + u'\n' + program));
+    QStringList lines{session->title()};
+    if (!program.isEmpty()) lines.append(program);
+    if (const QString evidence = session->evidence(); !evidence.isEmpty()) lines.append(evidence);
+    tab.setToolTip(lines.size() == 1 ? QString() : plainToolTip(lines.join(u'\n')));
+}
+
+bool SessionTabs::eventFilter(QObject* watched, QEvent* event) {
+    // The evidence has an age.
+    if (event->type() == QEvent::ToolTip) {
+        if (auto* const tab = qobject_cast<SessionTab*>(watched)) refreshMark(*tab, m_tabs.key(tab));
+    }
+    return QScrollArea::eventFilter(watched, event);
 }
 
 void SessionTabs::refreshActive() {

@@ -19,6 +19,8 @@ class SessionTabs : public QScrollArea {
 public:
     explicit SessionTabs(Workspace& workspace, QWidget* parent = nullptr);
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 Q_SIGNALS:
     /// The person chose this session.
     void chosen(const QUuid& id);

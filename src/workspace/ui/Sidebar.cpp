@@ -12,9 +12,11 @@
 #include "appearance/controls/Symbol.h"
 #include "appearance/controls/layouts.h"
 #include "platform/observe.h"
+#include "workspace/SessionNotices.h"
 #include "workspace/Workspace.h"
 #include "workspace/ui/version.h"
 
+#include <QEvent>
 #include <QPainter>
 
 namespace orvo {
@@ -49,6 +51,9 @@ Sidebar::Sidebar(Workspace& workspace, QWidget* parent) : QWidget(parent), m_wor
 
     observe(m_workspace, {&Workspace::destinationChanged, &Workspace::sessionsChanged}, this,
             [this] { refreshNavigation(); });
+    observe(m_workspace, {&Workspace::sessionsChanged, &Workspace::sessionMarksChanged}, this,
+            [this] { refreshWanted(); });
+    m_rows[Destination::Workspace]->installEventFilter(this);
     observe(m_workspace, {&Workspace::recentFoldersChanged}, this, [this] { refreshRecentProjects(); });
 }
 
@@ -117,6 +122,19 @@ void Sidebar::refreshNavigation() {
         it.value()->setCurrent(it.key() == m_workspace.destination());
     }
     m_rows[Destination::Workspace]->setCount(static_cast<int>(m_workspace.sessions().size()));
+}
+
+void Sidebar::refreshWanted() {
+    NavRow& row = *m_rows[Destination::Workspace];
+    const QString asking = askingText(m_workspace);
+    row.setWanted(!asking.isEmpty());
+    row.setToolTip(asking.isEmpty() ? QString() : plainToolTip(asking));
+}
+
+bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
+    // The evidence has an age.
+    if (event->type() == QEvent::ToolTip) refreshWanted();
+    return QWidget::eventFilter(watched, event);
 }
 
 void Sidebar::refreshRecentProjects() {

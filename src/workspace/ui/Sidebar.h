@@ -18,6 +18,8 @@ class Sidebar : public QWidget {
 public:
     explicit Sidebar(Workspace& workspace, QWidget* parent = nullptr);
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
@@ -27,6 +29,7 @@ private:
     QWidget* makeRecentProjects();
     QWidget* makeFooter();
     void refreshNavigation();
+    void refreshWanted();
     void refreshRecentProjects();
 
     Workspace& m_workspace;

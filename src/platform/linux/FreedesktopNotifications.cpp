@@ -1,0 +1,124 @@
+#include "platform/linux/FreedesktopNotifications.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QVariantMap>
+
+#include <utility>
+
+namespace orvo {
+namespace {
+
+constexpr const char* service = "org.freedesktop.Notifications";
+constexpr const char* path = "/org/freedesktop/Notifications";
+constexpr const char* interface = "org.freedesktop.Notifications";
+
+/// A press on the notice itself, where there is no button.
+const QString wholeNotice = QStringLiteral("default");
+const QString button = QStringLiteral("show");
+
+QDBusMessage callOf(const char* method) {
+    return QDBusMessage::createMethodCall(QLatin1String(service), QLatin1String(path),
+                                          QLatin1String(interface), QLatin1String(method));
+}
+
+}  // namespace
+
+FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, QObject* parent)
+    : QObject(parent), m_bus(std::move(bus)) {
+    const auto listen = [this](const char* signal, const char* slot) {
+        m_bus.connect(QLatin1String(service), QLatin1String(path), QLatin1String(interface),
+                      QLatin1String(signal), this, slot);
+    };
+    listen("ActivationToken", SLOT(takeToken(uint, QString)));
+    listen("ActionInvoked", SLOT(takeAction(uint, QString)));
+    listen("NotificationClosed", SLOT(takeEnd(uint, uint)));
+}
+
+FreedesktopNotifications::~FreedesktopNotifications() {
+    close();
+}
+
+void FreedesktopNotifications::show(const Notice& notice) {
+    m_next = notice;
+    m_withdrawn = false;
+    goOn();
+}
+
+void FreedesktopNotifications::withdraw() {
+    m_next.reset();
+    m_withdrawn = true;
+    goOn();
+}
+
+/// One call at a time, so that a notice's number is known before it is replaced or taken away.
+void FreedesktopNotifications::goOn() {
+    if (m_step != Step::Idle) return;
+    if (m_next) {
+        askWhatIsUnderstood();
+    } else if (std::exchange(m_withdrawn, false)) {
+        close();
+    }
+}
+
+void FreedesktopNotifications::askWhatIsUnderstood() {
+    m_step = Step::Asking;
+    auto* const answer = new QDBusPendingCallWatcher(m_bus.asyncCall(callOf("GetCapabilities")), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<QStringList> reply = *answer;
+        answer->deleteLater();
+        m_step = Step::Idle;
+        if (reply.isError()) {
+            m_next.reset();
+        } else if (m_next) {
+            return send(reply.value());
+        }
+        goOn();
+    });
+}
+
+void FreedesktopNotifications::send(const QStringList& capabilities) {
+    const Notice notice = *std::exchange(m_next, std::nullopt);
+    // What a program wrote must not become a link or a picture.
+    const bool markup = capabilities.contains(QStringLiteral("body-markup"));
+    QDBusMessage call = callOf("Notify");
+    call << QStringLiteral("Orvo AI") << m_id << QStringLiteral("orvo") << notice.title
+         << (markup ? notice.body.toHtmlEscaped() : notice.body)
+         << QStringList{wholeNotice, notice.action, button, notice.action}
+         << QVariantMap{{QStringLiteral("desktop-entry"), QStringLiteral("orvo")}} << -1;
+    m_step = Step::Showing;
+    auto* const answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<uint> reply = *answer;
+        answer->deleteLater();
+        m_step = Step::Idle;
+        m_id = reply.isError() ? 0 : reply.value();
+        goOn();
+    });
+}
+
+void FreedesktopNotifications::close() {
+    if (m_id == 0) return;
+    QDBusMessage call = callOf("CloseNotification");
+    call << std::exchange(m_id, 0);
+    m_bus.send(call);
+}
+
+void FreedesktopNotifications::takeToken(uint id, const QString& token) {
+    if (id == m_id && id != 0) m_token = token.toUtf8();
+}
+
+void FreedesktopNotifications::takeAction(uint id, const QString& action) {
+    if (id != m_id || id == 0 || (action != wholeNotice && action != button)) return;
+    const QByteArray token = std::exchange(m_token, {});
+    if (onChosen) onChosen(token);
+}
+
+void FreedesktopNotifications::takeEnd(uint id, uint /*reason*/) {
+    if (id != m_id) return;
+    m_id = 0;
+    m_token.clear();
+}
+
+}  // namespace orvo
