@@ -94,7 +94,7 @@ protected:
     /// At once, unless the store knows better.
     virtual void writeSoon(const char* name, PreferenceValue value, Stored stored) {
         const Result<void> written = write(name, std::move(value));
-        if (stored) stored(written);
+        if (const Stored told = std::move(stored)) told(written);
     }
 };
 
