@@ -100,7 +100,7 @@ const QList<Provider>& Provider::defaults() {
 }
 
 std::optional<QUrl> Provider::documentationURL() const {
-    const QUrl url(documentation, QUrl::StrictMode);
+    QUrl url(documentation, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty()) return std::nullopt;
     // QUrl keeps schemes in lower case.
     if (url.scheme() != QLatin1String("https") && url.scheme() != QLatin1String("http")) return std::nullopt;
@@ -123,7 +123,7 @@ std::optional<QList<Provider>> decodeProviders(const QByteArray& json) {
     if (!document.isArray()) return std::nullopt;
     QList<Provider> providers;
     QSet<QString> seen;
-    for (const QJsonValue& value : document.array()) {
+    for (const QJsonValue value : document.array()) {
         std::optional<Provider> provider = decodeProvider(value);
         if (!provider) return std::nullopt;
         if (seen.contains(provider->id)) continue;

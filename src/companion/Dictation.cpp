@@ -106,7 +106,7 @@ void Dictation::microphoneLost() {
     breakOff();
 }
 
-void Dictation::received(std::optional<Transcription> result, std::optional<Error> error) {
+void Dictation::received(const std::optional<Transcription>& result, const std::optional<Error>& error) {
     if (result) Q_EMIT heard(result->text);
     if (error) {
         breakOff();

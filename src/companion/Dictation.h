@@ -49,7 +49,7 @@ private:
     void beginRecognition();
     void microphoneStarted(Result<void> started);
     void microphoneLost();
-    void received(std::optional<Transcription> result, std::optional<Error> error);
+    void received(const std::optional<Transcription>& result, const std::optional<Error>& error);
     /// A request that came to nothing before anything was started.
     void refuse(const QString& message);
     /// Ends everything because something outside failed.

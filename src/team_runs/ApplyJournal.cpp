@@ -49,7 +49,7 @@ std::optional<ApplyPlan> decode(const QByteArray& json) {
     const QJsonValue changes = object.value(QLatin1String("changes"));
     if (!project || !result || !backup || !changes.isArray()) return std::nullopt;
     ApplyPlan plan{FilePath(*project), FilePath(*result), FilePath(*backup), {}};
-    for (const QJsonValue& value : changes.toArray()) {
+    for (const QJsonValue value : changes.toArray()) {
         const auto change = changeFrom(value.toObject());
         const auto temporary = bytesField(value.toObject(), "temporary");
         if (!change || !temporary) return std::nullopt;

@@ -88,7 +88,7 @@ std::optional<QList<FileChange>> decodeChanges(const QByteArray& json) {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isArray()) return std::nullopt;
     QList<FileChange> changes;
-    for (const QJsonValue& value : document.array()) {
+    for (const QJsonValue value : document.array()) {
         const auto change = changeFrom(value.toObject());
         if (!change) return std::nullopt;
         changes.append(*change);

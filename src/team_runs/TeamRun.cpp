@@ -94,7 +94,7 @@ std::optional<TeamRun> decodeTeamRun(const QByteArray& json) {
     if (!id || !prompt || !project || !root || !created.isDouble() || !copies.isArray()) return std::nullopt;
 
     TeamRun run{*id, *prompt, FilePath(*project), FilePath(*root), created.toDouble(), {}};
-    for (const QJsonValue& value : copies.toArray()) {
+    for (const QJsonValue value : copies.toArray()) {
         const auto copy = copyFrom(value);
         if (!copy) return std::nullopt;
         run.copies.append(*copy);

@@ -116,7 +116,6 @@ int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
             return 8;
         case PM_SliderThickness:
         case PM_SliderControlThickness:
-            return 24;
         case PM_SliderLength:
             return 24;
         case PM_SplitterWidth:
@@ -145,7 +144,6 @@ int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         }
         case PM_ButtonShiftHorizontal:
         case PM_ButtonShiftVertical:
-            return 0;
         case PM_FocusFrameHMargin:
         case PM_FocusFrameVMargin:
             return 0;
@@ -164,17 +162,12 @@ int OrvoStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
         case SH_ToolTip_WakeUpDelay:
             return 600;
         case SH_ScrollBar_Transient:
-            return 0;
         case SH_ComboBox_Popup:
-            return 0;
         case SH_ComboBox_PopupFrameStyle:
-            return 0;
         case SH_ToolTip_Mask:
         case SH_Menu_Mask:
-            return 0;
         case SH_EtchDisabledText:
         case SH_DitherDisabledText:
-            return 0;
         case SH_UnderlineShortcut:
             return 0;
         case SH_Menu_SubMenuPopupDelay:
