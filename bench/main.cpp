@@ -1,7 +1,11 @@
-// Prints how fast the terminal interprets what programs write, beside libvterm and beside a reader that
-// throws the same bytes away. One table; the last lines are the geometric means of the ratios.
+// Prints how fast the terminal interprets what programs write, beside libvterm, beside libtsm where that is
+// installed, and beside a reader that throws the same bytes away. One table; the last lines are the geometric
+// means of the ratios.
 #include "bench/Payloads.h"
 #include "bench/Reference.h"
+#ifdef ORVO_BENCH_TSM
+#include "bench/TsmReference.h"
+#endif
 #include "terminal/core/TerminalScreen.h"
 
 #include <algorithm>
@@ -19,6 +23,12 @@ namespace {
 constexpr std::size_t chunkBytes = 65'536;
 constexpr int rounds = 5;
 constexpr double secondsARound = 0.04;
+
+#ifdef ORVO_BENCH_TSM
+constexpr bool withTsm = true;
+#else
+constexpr bool withTsm = false;
+#endif
 
 using Run = std::function<double()>;
 
@@ -59,30 +69,58 @@ struct Means {
     double value() const { return std::exp(logarithms / std::max(count, 1)); }
 };
 
-void measure(int rows, int columns, std::string_view only, Means& total) {
-    Means means;
+/// Of our speed to each peer's.
+struct Ratios {
+    Means vterm;
+    Means tsm;
+};
+
+/// A peer that is not there has no figures.
+void printFigure(int width, double figure, bool present) {
+    if (present) {
+        std::printf(" %*.1f", width, figure);
+    } else {
+        std::printf(" %*s", width, "-");
+    }
+}
+
+void measure(int rows, int columns, std::string_view only, Ratios& total) {
+    Ratios means;
     for (const Payload& payload : payloads(rows, columns)) {
         if (payload.name.find(only) == std::string::npos) continue;
         TerminalScreen screen(rows, columns);
         Reference reference(rows, columns);
         double ours = 1e9;
-        double theirs = 1e9;
+        double vterm = 1e9;
+        double tsm = 1e9;
         double discarding = 1e9;
+#ifdef ORVO_BENCH_TSM
+        TsmReference tsmReference(rows, columns);
+#endif
         for (int round = 0; round < rounds; ++round) {
             keepBest(ours, [&] { return secondsToFeed(screen, payload.bytes); });
-            keepBest(theirs, [&] { return secondsToFeed(reference, payload.bytes); });
+            keepBest(vterm, [&] { return secondsToFeed(reference, payload.bytes); });
+#ifdef ORVO_BENCH_TSM
+            keepBest(tsm, [&] { return secondsToFeed(tsmReference, payload.bytes); });
+#endif
             keepBest(discarding, [&] { return secondsToDiscard(payload.bytes); });
         }
         const double megabytes = static_cast<double>(payload.bytes.size()) / 1e6;
-        std::printf("%-18s %3d x %-3d %6.1f MB %9.0f %9.1f %8.1f %9.0f\n", payload.name.c_str(), rows,
-                    columns, megabytes, megabytes / ours, megabytes / theirs, theirs / ours,
-                    megabytes / discarding);
+        std::printf("%-18s %3d x %-3d %6.1f MB %9.0f %9.1f %7.1f", payload.name.c_str(), rows, columns,
+                    megabytes, megabytes / ours, megabytes / vterm, vterm / ours);
+        printFigure(9, megabytes / tsm, withTsm);
+        printFigure(7, tsm / ours, withTsm);
+        std::printf(" %9.0f\n", megabytes / discarding);
         std::fflush(stdout);
-        means.add(theirs / ours);
-        total.add(theirs / ours);
+        for (Ratios* const ratios : {&means, &total}) {
+            ratios->vterm.add(vterm / ours);
+            ratios->tsm.add(tsm / ours);
+        }
     }
-    if (means.count == 0) return;
-    std::printf("%-18s %3d x %-3d %38.1f\n\n", "geometric mean", rows, columns, means.value());
+    if (means.vterm.count == 0) return;
+    std::printf("%-18s %3d x %-3d %37.1f", "geometric mean", rows, columns, means.vterm.value());
+    printFigure(17, means.tsm.value(), withTsm);
+    std::printf("\n\n");
 }
 
 }  // namespace
@@ -91,15 +129,17 @@ void measure(int rows, int columns, std::string_view only, Means& total) {
 /// An argument names the payloads to measure: those whose name contains it.
 int main(int argc, char** argv) {
     const std::string_view only = argc > 1 ? argv[1] : "";
-    std::printf("%-18s %-9s %9s %9s %9s %8s %9s\n", "payload", "size", "bytes", "ours MB/s", "vterm", "ratio",
-                "discard");
-    orvo::bench::Means total;
+    std::printf("%-18s %-9s %9s %9s %9s %7s %9s %7s %9s\n", "payload", "size", "bytes", "ours MB/s", "vterm",
+                "ratio", "tsm", "ratio", "discard");
+    orvo::bench::Ratios total;
     orvo::bench::measure(24, 80, only, total);
     orvo::bench::measure(50, 200, only, total);
-    if (total.count == 0) {
+    if (total.vterm.count == 0) {
         std::fprintf(stderr, "orvo_bench: no payload's name contains \"%s\".\n", argv[1]);
         return EXIT_FAILURE;
     }
-    std::printf("%-18s %48.1f\n", "geometric mean of all", total.value());
+    std::printf("%-28s %37.1f", "geometric mean of all", total.vterm.value());
+    orvo::bench::printFigure(17, total.tsm.value(), orvo::bench::withTsm);
+    std::printf("\n");
     return EXIT_SUCCESS;
 }
