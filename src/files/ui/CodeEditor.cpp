@@ -354,6 +354,7 @@ void CodeEditor::keyPressEvent(QKeyEvent* event) {
             const bool isForward = event->key() == Qt::Key_Tab;
             // The base class of text editors would not let the focus go.
             if (isControl || isReadOnly())
+                // NOLINTNEXTLINE(bugprone-parent-virtual-call)
                 QAbstractScrollArea::focusNextPrevChild(isForward);
             else
                 setTextCursor(isForward ? indent(textCursor()) : outdent(textCursor()));
