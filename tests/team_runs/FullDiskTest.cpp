@@ -21,6 +21,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <ostream>
 
 namespace orvo {
 namespace {
@@ -167,6 +168,8 @@ struct Places {
     const char* name;
     QByteArray project;
     QByteArray runs;
+
+    friend void PrintTo(const Places& places, std::ostream* stream) { *stream << places.name; }
 };
 
 class FullDiskApply : public FullDisk, public testing::WithParamInterface<Places> {};
