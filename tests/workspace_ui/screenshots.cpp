@@ -314,6 +314,8 @@ private:
         if (reviews.size() > 1) reviews[1]->click();
         settle();
         press("Select all");
+        // The notice of the start is over.
+        m_clock.advance(std::chrono::seconds(4));
         take("team-runs-review");
         press("Output");
         workspace().setDestination(Destination::Runs);
