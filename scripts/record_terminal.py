@@ -3,14 +3,17 @@
 
 usage: record_terminal.py OUTPUT_FOLDER [NAME...]
 
-Each program runs in a pseudo-terminal of 24 × 80 and of 50 × 160 cells, in an empty home folder, and is sent the keys
-of its list; only what it writes is kept, as NAME-ROWSxCOLUMNS.bytes. Needs vim, htop, less, dialog, mc, tmux, fzf, man
-and git, and the right to make a process namespace (htop shows every process of its namespace).
+Each program runs in a pseudo-terminal of 24 × 80 and of 50 × 160 cells, in a new home folder, and is sent the keys of
+its list; only what it writes is kept, as NAME-ROWSxCOLUMNS.bytes. Needs vim, htop, less, dialog, mc, tmux, fzf, man, git
+and npm, and the right to make a process namespace (htop shows every process of its namespace). The assistants (claude,
+codex, gemini) are recorded signed out; they are found on the path, for example in the node_modules/.bin of a temporary
+folder that npm installed them into.
 """
 import fcntl
 import os
 import pathlib
 import pty
+import re
 import select
 import shutil
 import signal
@@ -18,13 +21,21 @@ import socket
 import struct
 import subprocess
 import sys
-import tempfile
 import termios
 import time
 
 SIZES = [(24, 80), (50, 160)]
+# Some show the path of their home, so it has one name on every machine.
+HOME = pathlib.Path("/tmp/home")
 QUIET_SECONDS = 0.6
 LONGEST_SECONDS = 4
+# For those that load for a while before they draw, and those with something that moves.
+SLOW = {"claude", "codex", "gemini", "npm"}
+SLOW_QUIET_SECONDS = 4
+SLOW_LONGEST_SECONDS = 12
+# An animation says nothing new after some pictures; what is kept ends with a whole one.
+LARGEST_BYTES = 48_000
+PICTURE_END = b"\x1b[?2026l"
 
 SOURCE = """#include <stdio.h>
 
@@ -51,6 +62,17 @@ PROGRAMS = {
     "fzf": (["sh", "-c", "cat names.txt | fzf --no-mouse"], ["an", "\x1b[A", "\x7f"]),
     "man": (["man", "-P", "less -R", "true"], [" ", "b"]),
     "git": (["git", "-c", "color.ui=always", "log", "--graph", "--stat", "--no-decorate"], [" "]),
+    "npm": (["sh", "-c", "npm help | head -n 32; npm install ../dependency; npm ls"], []),
+    "claude": (["claude"], ["\r", "hello é世", "\x7f", "/"]),
+    "codex": (["codex", "--no-daemon"], ["\x1b[B", "\x1b[B"]),
+    "gemini": (["gemini"], ["\x1b[B"]),
+}
+# What the recorder answers in the terminal's place: some wait for it before they draw.
+ANSWERS = {
+    rb"\x1b\[c": b"\x1b[?1;2c",
+    rb"\x1b\[6n": b"\x1b[1;1R",
+    rb"\x1b\]10;\?(\x07|\x1b\\)": b"\x1b]10;rgb:d0d0/dede/ebeb\x1b\\",
+    rb"\x1b\]11;\?(\x07|\x1b\\)": b"\x1b]11;rgb:0f0f/1717/2424\x1b\\",
 }
 FINISHING = {"htop": "q", "tmux": "\x02:kill-server\r"}
 
@@ -61,6 +83,13 @@ def prepare(home):
         "".join(f"\x1b[3{n % 8}mline {n}\x1b[m of a long text, {'x' * (n % 120)}\n" for n in range(1, 200)),
         encoding="utf-8")
     (home / "names.txt").write_text("\n".join(["anchor", "banana", "orange", "plum", "grün", "世界"]), encoding="utf-8")
+    # Past the questions about the theme, which need the network.
+    (home / ".claude.json").write_text('{ "hasCompletedOnboarding": true, "theme": "dark" }\n', encoding="utf-8")
+    project = home / "project"
+    project.mkdir()
+    (project / "package.json").write_text('{ "name": "project", "version": "1.0.0" }\n', encoding="utf-8")
+    (home / "dependency").mkdir()
+    (home / "dependency" / "package.json").write_text('{ "name": "dependency", "version": "2.0.0" }\n', encoding="utf-8")
     folder = home / "folder"
     (folder / "sub").mkdir(parents=True)
     for name in ("alpha.txt", "beta.sh", "gamma"):
@@ -87,8 +116,9 @@ def record(name, home, rows, columns):
     command, keys = PROGRAMS[name]
     child, master = pty.fork()
     if child == 0:
-        os.chdir(home)
-        environment = {"HOME": str(home), "PATH": os.environ["PATH"], "TERM": "xterm-256color", "LANG": "C.UTF-8",
+        os.chdir(home / "project" if name in SLOW else home)
+        environment = {"HOME": str(home), "PATH": os.environ["PATH"], "TERM": "xterm-256color",
+                       "COLORTERM": "truecolor", "LANG": "C.UTF-8",
                        "PS1": "$ ", "SHELL": "/bin/sh", "LESSHISTFILE": "-", "TMUX_TMPDIR": str(home), "USER": "person"}
         fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
         os.execvpe(command[0], command, environment)
@@ -96,15 +126,21 @@ def record(name, home, rows, columns):
 
     def listen():
         nonlocal recorded
-        end = time.monotonic() + LONGEST_SECONDS
+        end = time.monotonic() + (SLOW_LONGEST_SECONDS if name in SLOW else LONGEST_SECONDS)
         while time.monotonic() < end:
-            ready, _, _ = select.select([master], [], [], QUIET_SECONDS)
+            ready, _, _ = select.select([master], [], [], SLOW_QUIET_SECONDS if name in SLOW else QUIET_SECONDS)
             if not ready:
                 return
             try:
-                recorded += os.read(master, 65536)
+                read = os.read(master, 65536)
             except OSError:
                 return
+            recorded += read
+            if name not in SLOW:
+                continue
+            for question, answer in ANSWERS.items():
+                for _ in re.finditer(question, read):
+                    os.write(master, answer)
 
     listen()
     for key in keys:
@@ -118,6 +154,8 @@ def record(name, home, rows, columns):
     os.kill(child, signal.SIGKILL)
     os.waitpid(child, 0)
     os.close(master)
+    if len(kept) > LARGEST_BYTES:
+        kept = kept[:kept.rindex(PICTURE_END, 0, LARGEST_BYTES) + len(PICTURE_END)]
     return kept
 
 
@@ -126,12 +164,12 @@ def main():
     output.mkdir(parents=True, exist_ok=True)
     for name in sys.argv[2:] or PROGRAMS:
         for rows, columns in SIZES:
-            home = pathlib.Path(tempfile.mkdtemp(prefix="recording"))
+            HOME.mkdir()
             try:
-                prepare(home)
-                (output / f"{name}-{rows}x{columns}.bytes").write_bytes(record(name, home, rows, columns))
+                prepare(HOME)
+                (output / f"{name}-{rows}x{columns}.bytes").write_bytes(record(name, HOME, rows, columns))
             finally:
-                shutil.rmtree(home, ignore_errors=True)
+                shutil.rmtree(HOME, ignore_errors=True)
 
 
 if __name__ == "__main__":
