@@ -100,6 +100,8 @@ void TerminalView::mousePressEvent(QMouseEvent* event) {
             m_sinceDoubleClick.isValid() &&
             m_sinceDoubleClick.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval() &&
             (event->pos() - m_doubleClickPlace).manhattanLength() < QApplication::startDragDistance();
+        // Control may have been pressed when the pointer was there already.
+        pointAt(event->position(), event->modifiers());
         selectFrom(*event, third ? TextSelection::Unit::Line : TextSelection::Unit::Cell);
     }
 }

@@ -183,6 +183,11 @@ TEST(TerminalMouse, ControlClickOpensALink) {
     EXPECT_EQ(click(8, Qt::NoModifier), QString());
     EXPECT_EQ(click(31, Qt::ControlModifier), QStringLiteral("http://y.org/"));
     EXPECT_EQ(click(38, Qt::ControlModifier), QString()) << "other schemes are not followed";
+
+    // Control is often pressed when the pointer is on the link already.
+    click(2, Qt::NoModifier);
+    QTest::mouseClick(&view, Qt::LeftButton, Qt::ControlModifier, placeIn(view, 0, 8));
+    EXPECT_EQ(opened.size(), 1);
 }
 
 TEST(TerminalMouse, ZoomChangesThisViewAlone) {
