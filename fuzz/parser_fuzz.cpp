@@ -26,6 +26,8 @@ public:
         m_text += text;
         m_inText = true;
     }
+    /// Takes no runs: each scalar is to be looked at.
+    const char* printText(const char* position, const char*) { return position; }
     void print(char32_t scalar) {
         require(scalar >= 0x80 && scalar <= 0x10FFFF && (scalar < 0xD800 || scalar > 0xDFFF), "no scalar");
         note("scalar " + std::to_string(scalar));

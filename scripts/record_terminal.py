@@ -117,8 +117,9 @@ def record(name, home, rows, columns):
     child, master = pty.fork()
     if child == 0:
         os.chdir(home / "project" if name in SLOW else home)
+        # Claude would otherwise bring itself up to date, for the whole machine when it may.
         environment = {"HOME": str(home), "PATH": os.environ["PATH"], "TERM": "xterm-256color",
-                       "COLORTERM": "truecolor", "LANG": "C.UTF-8",
+                       "COLORTERM": "truecolor", "LANG": "C.UTF-8", "DISABLE_AUTOUPDATER": "1",
                        "PS1": "$ ", "SHELL": "/bin/sh", "LESSHISTFILE": "-", "TMUX_TMPDIR": str(home), "USER": "person"}
         fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
         os.execvpe(command[0], command, environment)

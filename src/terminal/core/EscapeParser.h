@@ -19,7 +19,9 @@ namespace orvo {
 ///
 /// A sink has printAscii(std::string_view), print(char32_t), control(char), escape(char32_t),
 /// intermediateEscape(std::string_view intermediates, char final), controlSequence(const ControlSequence&)
-/// and operatingSystemCommand(std::string_view text, std::string_view terminator).
+/// and operatingSystemCommand(std::string_view text, std::string_view terminator); and, to take a run of text
+/// at once, const char* printText(const char* position, const char* end), which returns where it has stopped:
+/// at once, when it can do nothing with the text.
 class EscapeParser {
 public:
     /// A longer control sequence is abandoned.
@@ -247,7 +249,10 @@ const char* EscapeParser::ground(const char* position, const char* end, Utf8Deco
             sink.printAscii({position, run});
             position += run;
         } else if (!Utf8Decoder::isAscii(byte)) {
-            position = decoder.decode(position, end, [&sink](char32_t scalar) { sink.print(scalar); });
+            const char* const printed = sink.printText(position, end);
+            position = printed != position
+                           ? printed
+                           : decoder.decode(position, end, [&sink](char32_t scalar) { sink.print(scalar); });
         } else if (byte != escape) {
             sink.control(byte);
             ++position;

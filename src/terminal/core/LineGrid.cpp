@@ -19,11 +19,7 @@ void RowStore::compact() {
     }
 }
 
-void LineGrid::rotateUp(int top, int bottom) {
-    if (top == 0 && bottom == size() - 1) {
-        m_first = m_first + 1 == m_lines.size() ? 0 : m_first + 1;
-        return;
-    }
+void LineGrid::rotatePart(int top, int bottom) {
     const auto first = handles().begin();
     std::rotate(first + top, first + top + 1, first + bottom + 1);
 }
@@ -44,16 +40,6 @@ std::vector<TerminalRow*>& LineGrid::handles() {
 TerminalRow* Scrollback::line(int index) const {
     const std::size_t position = m_oldest + static_cast<std::size_t>(index);
     return m_lines[position < m_lines.size() ? position : position - m_lines.size()];
-}
-
-TerminalRow* Scrollback::push(TerminalRow* row) {
-    if (size() < capacity) {
-        m_lines.push_back(row);
-        return nullptr;
-    }
-    TerminalRow* const dropped = std::exchange(m_lines[m_oldest], row);
-    m_oldest = m_oldest + 1 == m_lines.size() ? 0 : m_oldest + 1;
-    return dropped;
 }
 
 void Scrollback::clear(RowStore& store) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <utility>
 #include <vector>
 
 namespace orvo {
@@ -34,7 +35,10 @@ public:
     TerminalRow* line(int row) const { return m_lines[slot(row)]; }
 
     /// The line at `top` goes to `bottom`, those between them one up.
-    void rotateUp(int top, int bottom);
+    void rotateUp(int top, int bottom) {
+        if (top != 0 || bottom != size() - 1) return rotatePart(top, bottom);
+        m_first = m_first + 1 == m_lines.size() ? 0 : m_first + 1;
+    }
     /// The line at `bottom` goes to `top`, those between them one down.
     void rotateDown(int top, int bottom);
 
@@ -42,6 +46,7 @@ public:
     std::vector<TerminalRow*>& handles();
 
 private:
+    void rotatePart(int top, int bottom);
     std::size_t slot(int row) const {
         const std::size_t position = m_first + static_cast<std::size_t>(row);
         return position < m_lines.size() ? position : position - m_lines.size();
@@ -61,7 +66,15 @@ public:
     /// 0 is the oldest.
     TerminalRow* line(int index) const;
     /// Adds the newest line; the oldest one is handed out when there is no room for both, else null.
-    TerminalRow* push(TerminalRow* row);
+    TerminalRow* push(TerminalRow* row) {
+        if (size() < capacity) {
+            m_lines.push_back(row);
+            return nullptr;
+        }
+        TerminalRow* const dropped = std::exchange(m_lines[m_oldest], row);
+        m_oldest = m_oldest + 1 == m_lines.size() ? 0 : m_oldest + 1;
+        return dropped;
+    }
     void clear(RowStore& store);
 
 private:

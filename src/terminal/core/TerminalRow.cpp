@@ -71,27 +71,12 @@ std::string TerminalRow::plainText() const {
     return text;
 }
 
-void TerminalRow::clear(int width, std::uint64_t stamp) {
-    keepWidth(width);
-    m_filled = 0;
-    m_wrapped = false;
-    m_stamp = stamp;
-    m_clusters.clear();
-}
-
 void TerminalRow::setWidth(int width, std::uint64_t stamp) {
     if (width == this->width()) return;
     keepWidth(width);
     m_filled = std::min(m_filled, width);
     m_wrapped = false;
     m_stamp = stamp;
-}
-
-void TerminalRow::cutTrailingBlanks() {
-    while (m_filled > 0 && m_cells[static_cast<std::size_t>(m_filled - 1)] == blankCell) {
-        --m_filled;
-    }
-    keepWidth(m_filled);
 }
 
 bool TerminalRow::join(int column, char32_t scalar, std::uint64_t stamp) {

@@ -45,10 +45,21 @@ public:
                (m_cells[static_cast<std::size_t>(column)].attributes & TerminalCell::Cluster) != 0;
     }
     /// Makes the row `width` blank cells.
-    void clear(int width, std::uint64_t stamp);
+    void clear(int width, std::uint64_t stamp) {
+        keepWidth(width);
+        m_filled = 0;
+        m_wrapped = false;
+        m_stamp = stamp;
+        if (!m_clusters.empty()) m_clusters.clear();
+    }
     /// Cuts the row, or lengthens it with blank cells.
     void setWidth(int width, std::uint64_t stamp);
-    void cutTrailingBlanks();
+    void cutTrailingBlanks() {
+        while (m_filled > 0 && m_cells[static_cast<std::size_t>(m_filled - 1)] == TerminalCell()) {
+            --m_filled;
+        }
+        keepWidth(m_filled);
+    }
     /// Gives memory back that the row does not need as long as it is not written.
     void shrink();
 
@@ -60,6 +71,19 @@ public:
         m_stamp = stamp;
         return m_cells.data() + column;
     }
+    /// As `overwrite` for as many cells as there will be: from `column` to the end of the line may be
+    /// written, and `written` then tells how far.
+    TerminalCell* overwriteFrom(int column) {
+        if (m_cells.size() < static_cast<std::size_t>(m_width)) makeRoom();
+        if (column > m_filled) storeBlanks(column);
+        return m_cells.data() + column;
+    }
+    void written(int end, std::uint64_t stamp) {
+        m_filled = std::max(m_filled, end);
+        m_stamp = stamp;
+    }
+    /// The cells from here on are blank, whatever is stored in them.
+    int writtenUpTo() const { return m_filled; }
     /// Adds a scalar to the text of a cell. False when the cell holds as many as it may.
     bool join(int column, char32_t scalar, std::uint64_t stamp);
     /// The scalars of one cell; good until the row is next changed or asked.

@@ -3,9 +3,14 @@
 #include "terminal/core/CharacterProperties.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <string>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace orvo {
 namespace {
@@ -25,12 +30,72 @@ void store(TerminalCell* target, const CellVector& cell) {
     std::memcpy(place, &cell, sizeof cell);
 }
 
+// Runs of at most so many bytes are written in blocks of so many cells.
+constexpr int shortRun = 16;
+constexpr std::size_t block = 8;
+
+/// Scalars with one of these may become part of the character before them.
+constexpr std::uint8_t joiningProperties =
+    NonspacingMark | Emoji | EmojiModifier | RegionalIndicator | Joiner | Tag;
+
+/// The second cell of a wide character.
+TerminalCell continuationOf(const TerminalCell& style) {
+    TerminalCell second = style;
+    second.content = 0;
+    second.attributes |= TerminalCell::Continuation;
+    return second;
+}
+
+#ifdef __SSE2__
+/// Writes four cells of four bytes. `foreground` is there four times, what follows it in a cell twice.
+void writeFour(TerminalCell* cells, const char* bytes, __m128i foreground, __m128i rest) {
+    std::uint32_t four = 0;
+    std::memcpy(&four, bytes, sizeof four);
+    const __m128i none = _mm_setzero_si128();
+    const __m128i wide = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(four)), none);
+    const __m128i scalars = _mm_unpacklo_epi16(wide, none);
+    const __m128i first = _mm_unpacklo_epi32(scalars, foreground);
+    const __m128i second = _mm_unpackhi_epi32(scalars, foreground);
+    auto* const places = reinterpret_cast<__m128i*>(cells);
+    _mm_storeu_si128(places, _mm_unpacklo_epi64(first, rest));
+    _mm_storeu_si128(places + 1, _mm_unpackhi_epi64(first, rest));
+    _mm_storeu_si128(places + 2, _mm_unpacklo_epi64(second, rest));
+    _mm_storeu_si128(places + 3, _mm_unpackhi_epi64(second, rest));
+}
+#endif
+
 /// Writes one cell a byte.
 void writeAscii(TerminalCell* cells, std::string_view text, const TerminalCell& style) {
     CellVector cell = vectorOf(style);
+#ifdef __SSE2__
+    if (text.size() >= 4) {
+        const __m128i look = std::bit_cast<__m128i>(cell);
+        const __m128i foreground = _mm_shuffle_epi32(look, _MM_SHUFFLE(1, 1, 1, 1));
+        const __m128i rest = _mm_unpackhi_epi64(look, look);
+        const std::size_t last = text.size() - 4;
+        for (std::size_t index = 0; index < last; index += 4) {
+            writeFour(cells + index, text.data() + index, foreground, rest);
+        }
+        // Some of them once more, unless their number is one of fours.
+        return writeFour(cells + last, text.data() + last, foreground, rest);
+    }
+#endif
     for (const char byte : text) {
         cell[0] = static_cast<unsigned char>(byte);
         store(cells++, cell);
+    }
+}
+
+/// As `writeAscii` for a short run, where whatever comes into the cells behind it is never seen: the number
+/// of bytes, which nothing foretells, then decides hardly a branch.
+void writeShortAscii(TerminalCell* cells, std::string_view text, const TerminalCell& style) {
+    CellVector cell = vectorOf(style);
+    const std::size_t last = text.size() - 1;
+    for (std::size_t first = 0; first <= last; first += block) {
+        for (std::size_t index = first; index < first + block; ++index) {
+            cell[0] = static_cast<unsigned char>(text[std::min(index, last)]);
+            store(cells + index, cell);
+        }
     }
 }
 
@@ -69,8 +134,15 @@ void TerminalScreen::printAscii(std::string_view text) {
         if (m_pendingWrap) wrap();
         const auto count = std::min(static_cast<int>(text.size()), m_columns - m_cursor.column);
         const auto length = static_cast<std::size_t>(count);
-        writeAscii(cursorLine().overwrite(m_cursor.column, count, nextStamp()), text.substr(0, length),
-                   m_style.cell);
+        TerminalRow& line = cursorLine();
+        if (count > 1 && count <= shortRun && m_cursor.column + shortRun <= m_columns &&
+            line.writtenUpTo() <= m_cursor.column + count) {
+            writeShortAscii(line.overwriteFrom(m_cursor.column), text.substr(0, length), m_style.cell);
+            line.written(m_cursor.column + count, nextStamp());
+        } else {
+            writeAscii(line.overwrite(m_cursor.column, count, nextStamp()), text.substr(0, length),
+                       m_style.cell);
+        }
         advance(count);
         text.remove_prefix(length);
     }
@@ -86,14 +158,62 @@ void TerminalScreen::printAsciiInModes(std::string_view text) {
     }
 }
 
+/// Writes scalars that only take cells, up to the end of a line. What needs more than that is left: marks,
+/// malformed bytes, long runs of ASCII, for which there is a faster way.
+const char* TerminalScreen::printText(const char* position, const char* end) {
+    constexpr int longestAscii = 16;
+    if (m_textInModes || m_columns < 2) return position;
+    const char* const start = position;
+    CellVector cell = vectorOf(m_style.cell);
+    const CellVector second = vectorOf(continuationOf(m_style.cell));
+    TerminalCell* cells = nullptr;
+    int column = m_cursor.column;
+    int ascii = 0;
+    while (position < end) {
+        int length = 1;
+        char32_t scalar = static_cast<unsigned char>(*position);
+        std::uint8_t properties = 0;
+        if (Utf8Decoder::isAscii(*position)) {
+            if (!isPrintableAscii(*position) || ++ascii > longestAscii) break;
+        } else {
+            ascii = 0;
+            length = Utf8Decoder::lengthFor(*position);
+            if (end - position < length) break;
+            scalar = Utf8Decoder::wellFormed(position, length);
+            if (scalar == 0) break;
+            properties = characterProperties(scalar);
+            const std::uint8_t joining = properties & joiningProperties;
+            // Behind a cell that was written here stands no cluster, the only thing that an emoji joins.
+            if (joining != 0 && (joining != Emoji || (position == start && clusterBefore()))) break;
+        }
+        const int width = (properties & Wide) != 0 ? 2 : 1;
+        if (column + width > m_columns || (cells == nullptr && m_pendingWrap)) {
+            if (cells != nullptr) break;
+            wrap();
+            column = 0;
+        }
+        if (cells == nullptr) cells = cursorLine().overwriteFrom(column) - column;
+        cell[0] = scalar;
+        store(cells + column, cell);
+        if (width == 2) store(cells + column + 1, second);
+        column += width;
+        position += length;
+    }
+    if (cells != nullptr) {
+        m_lastPrinted = cell[0];
+        cursorLine().written(column, nextStamp());
+        advance(column - m_cursor.column);
+    }
+    return position;
+}
+
 void TerminalScreen::print(char32_t scalar) {
-    constexpr std::uint8_t joining =
-        NonspacingMark | Emoji | EmojiModifier | RegionalIndicator | Joiner | Tag;
     const std::uint8_t properties = characterProperties(scalar);
     const int width = (properties & Wide) != 0 ? 2 : 1;
     // An emoji joins nothing but a cluster that ends with a joiner, and most have none before them.
-    const bool alone = (properties & joining) == Emoji && !clusterBefore();
-    if ((properties & joining) != 0 && !alone && joinPrevious(scalar, properties)) return;
+    const std::uint8_t joining = properties & joiningProperties;
+    const bool alone = joining == Emoji && !clusterBefore();
+    if (joining != 0 && !alone && joinPrevious(scalar, properties)) return;
     put(scalar, width);
 }
 
@@ -114,10 +234,7 @@ inline void TerminalScreen::put(char32_t scalar, int width) {
     cell[0] = scalar;
     store(cells, cell);
     if (fitting == 2) {
-        TerminalCell second = m_style.cell;
-        second.content = 0;
-        second.attributes |= TerminalCell::Continuation;
-        store(cells + 1, vectorOf(second));
+        store(cells + 1, vectorOf(continuationOf(m_style.cell)));
     }
     m_lastPrinted = scalar;
     advance(width);
@@ -147,13 +264,6 @@ void TerminalScreen::wrap() {
     m_cursor.column = 0;
     m_pendingWrap = false;
     lineFeed();
-}
-
-void TerminalScreen::advance(int width) {
-    m_cursor.column += width;
-    if (m_cursor.column < m_columns) return;
-    m_cursor.column = m_columns - 1;
-    m_pendingWrap = true;
 }
 
 void TerminalScreen::lineFeed() {

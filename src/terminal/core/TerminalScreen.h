@@ -121,6 +121,7 @@ private:
 
     // What the parser finds.
     void printAscii(std::string_view text);
+    const char* printText(const char* position, const char* end);
     void print(char32_t scalar);
     void control(char character);
     void escape(char32_t scalar);
@@ -133,7 +134,12 @@ private:
     void put(char32_t scalar, int width);
     void makeRoom(int width);
     void wrap();
-    void advance(int width);
+    void advance(int width) {
+        m_cursor.column += width;
+        if (m_cursor.column < m_columns) return;
+        m_cursor.column = m_columns - 1;
+        m_pendingWrap = true;
+    }
     bool clusterBefore() const;
     bool joinPrevious(char32_t scalar, std::uint8_t properties);
     bool joinsCell(const TerminalRow& line, int column, char32_t scalar, std::uint8_t properties) const;

@@ -26,6 +26,41 @@ public:
 
     static constexpr bool isAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
+    /// The bytes that a lead of 0x80 or above announces, itself included.
+    static constexpr int lengthFor(char lead) {
+        const auto byte = static_cast<unsigned char>(lead);
+        return byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+    }
+
+    /// The scalar of a sequence of `length` bytes, 0 when they are malformed.
+    static constexpr char32_t wellFormed(const char* bytes, int length) {
+        const auto at = [bytes](int index) {
+            return char32_t{static_cast<unsigned char>(bytes[index])};
+        };
+        const auto six = [&at](int index) {
+            return at(index) & 0x3F;
+        };
+        char32_t scalar = 0;
+        switch (length) {
+            case 2:
+                if (!isContinuation(bytes[1])) return 0;
+                scalar = ((at(0) & 0x1F) << 6) | six(1);
+                return scalar >= 0x80 ? scalar : 0;
+            case 3:
+                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2])) return 0;
+                scalar = ((at(0) & 0x0F) << 12) | (six(1) << 6) | six(2);
+                return scalar >= 0x800 && (scalar < 0xD800 || scalar > 0xDFFF) ? scalar : 0;
+            case 4:
+                if (at(0) > 0xF4) return 0;
+                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2]) || !isContinuation(bytes[3]))
+                    return 0;
+                scalar = ((at(0) & 0x07) << 18) | (six(1) << 12) | (six(2) << 6) | six(3);
+                return scalar >= 0x10000 && scalar <= 0x10FFFF ? scalar : 0;
+            default:
+                return 0;
+        }
+    }
+
     bool pending() const { return m_count > 0; }
 
     /// Decodes one sequence that starts with a byte of 0x80 or above, calling `emit(char32_t)` for what it
@@ -75,40 +110,6 @@ private:
         char32_t scalar;
         int length;
     };
-
-    static constexpr int lengthFor(char lead) {
-        const auto byte = static_cast<unsigned char>(lead);
-        return byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
-    }
-
-    /// The scalar of a sequence of `length` bytes, 0 when they are malformed.
-    static constexpr char32_t wellFormed(const char* bytes, int length) {
-        const auto at = [bytes](int index) {
-            return char32_t{static_cast<unsigned char>(bytes[index])};
-        };
-        const auto six = [&at](int index) {
-            return at(index) & 0x3F;
-        };
-        char32_t scalar = 0;
-        switch (length) {
-            case 2:
-                if (!isContinuation(bytes[1])) return 0;
-                scalar = ((at(0) & 0x1F) << 6) | six(1);
-                return scalar >= 0x80 ? scalar : 0;
-            case 3:
-                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2])) return 0;
-                scalar = ((at(0) & 0x0F) << 12) | (six(1) << 6) | six(2);
-                return scalar >= 0x800 && (scalar < 0xD800 || scalar > 0xDFFF) ? scalar : 0;
-            case 4:
-                if (at(0) > 0xF4) return 0;
-                if (!isContinuation(bytes[1]) || !isContinuation(bytes[2]) || !isContinuation(bytes[3]))
-                    return 0;
-                scalar = ((at(0) & 0x07) << 18) | (six(1) << 12) | (six(2) << 6) | six(3);
-                return scalar >= 0x10000 && scalar <= 0x10FFFF ? scalar : 0;
-            default:
-                return 0;
-        }
-    }
 
     template <class Emit>
     static void emitSubparts(const char* bytes, int count, Emit&& emit) {
