@@ -153,5 +153,34 @@ TEST(SplitInput, AnySplitOfTheInputGivesTheSameScreen) {
     }
 }
 
+// Text is written in runs; where one begins and ends in a line must not show, nor what stood there before.
+TEST(SplitInput, ARunOfTextIsWhatItsCharactersAre) {
+    static constexpr std::array<std::string_view, 9> kinds = {
+        "abcdefghij", "a\u00E9b", "\u4E16",        "x\u4E16y",
+        "\U0001F600", "e\u0301",  "\u2764\uFE0Fa", "\U0001F468\u200D\U0001F469",
+        "a\xC3z"};
+    constexpr int columns = 40;
+    for (const std::string_view kind : kinds) {
+        for (int column = 1; column <= columns; ++column) {
+            std::string text;
+            for (int repeated = 0; repeated < 40; ++repeated) {
+                text += kind;
+                const std::string head =
+                    (column % 2 == 0 ? "\x1B[44mABCDEFGHIJKLMNOPQRSTUVWXYZ\u4E16\u4E16\x1B[m"
+                                     : std::string()) +
+                    "\x1B[" + std::to_string(column) + "G";
+                TerminalScreen run(5, columns);
+                TerminalScreen characters(5, columns);
+                run.feed(head + text);
+                characters.feed(head);
+                for (const char byte : text) {
+                    characters.feed({&byte, 1});
+                }
+                ASSERT_EQ(snapshot(run), snapshot(characters)) << kind << " " << repeated << " at " << column;
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace orvo::test
