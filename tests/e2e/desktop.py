@@ -35,6 +35,8 @@ def tree(node, depth=0):
     if node is None or depth > 40:
         return
     yield node
+    if depth > 0 and not showing(node):  # most pages, most of the time
+        return
     for index in range(node.get_child_count()):
         yield from tree(node.get_child_at_index(index), depth + 1)
 
@@ -76,19 +78,20 @@ class Program:
 
     def all(self, role=None, name=None, inside=None):
         """Every showing control of that role (as Atspi names it) and name."""
-        found = []
+        return list(self.matching(role, name, inside))
+
+    def matching(self, role, name, inside):
         for node in tree(inside or self.application()):
             if role is not None and node.get_role_name() != role:
                 continue
             if name is not None and node.get_name() != name:
                 continue
             if showing(node):
-                found.append(node)
-        return found
+                yield node
 
     def find(self, role=None, name=None, inside=None):
         return wait_for(f"{role or 'a control'} {name!r}",
-                        lambda: next(iter(self.all(role, name, inside)), None))
+                        lambda: next(self.matching(role, name, inside), None))
 
     def press(self, name, role="push button"):
         self.do(self.find(role, name))

@@ -28,10 +28,16 @@ def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None):
         quit_program(program)
     except BaseException:
         program.picture("failed")
+        tell_of_faults(root)
         raise
     finally:
         program.end()
         shutil.rmtree(root)
+
+
+def tell_of_faults(root):
+    for report in (root / "data").rglob("crash-*.txt"):
+        print(report.read_text(errors="replace"))
 
 
 def make_home(root, assistant):

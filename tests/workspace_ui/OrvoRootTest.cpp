@@ -94,6 +94,26 @@ TEST_F(OrvoRootTest, theRefreshButtonLooksAgainForTools) {
     EXPECT_EQ(workspace().toast(), QStringLiteral("Workspace refreshed."));
 }
 
+void askBeyondTheChildren(QAccessibleInterface* node, int depth = 0) {
+    // Tables of Qt refuse with a warning.
+    if (!node || node->tableInterface() || depth > 40) return;
+    EXPECT_EQ(node->child(node->childCount()), nullptr) << qPrintable(node->text(QAccessible::Name));
+    for (int i = 0; i < node->childCount(); ++i)
+        askBeyondTheChildren(node->child(i), depth + 1);
+}
+
+// A screen reader asks for a child that went meanwhile: a scroll bar, the last session of a list.
+TEST_F(OrvoRootTest, assistiveTechnologyMayAskForWhatIsGone) {
+    teamRuns();
+    macActions();
+    companion();
+    startTerminal();
+    for (const Destination page : allDestinations) {
+        workspace().setDestination(page);
+        askBeyondTheChildren(QAccessible::queryAccessibleInterface(&screen()));
+    }
+}
+
 TEST_F(OrvoRootTest, theNoticeFollowsTheModel) {
     const auto* const notice = screen().window()->findChild<Notice*>();
     ASSERT_TRUE(notice);

@@ -105,8 +105,8 @@ TEST_F(TeamRunsViewTest, ComparesAndAppliesTheFilesThatAreTicked) {
     ASSERT_TRUE(waitFor([&] { return textOf("After") == text("one\nmore\n"); }));
     EXPECT_EQ(textOf("Before"), text("one\n"));
 
-    list().toggle(0);
-    list().toggle(1);
+    list().toggleRow(0);
+    list().toggleRow(1);
     EXPECT_TRUE(shows(screen(), text("Apply selected (2)")));
     m_dialogs.answer(text("Cancel"));
     press(text("Apply selected (2)"));
@@ -187,7 +187,7 @@ TEST_F(TeamRunsViewTest, ListsRunsByTheBeginningOfTheirTasks) {
     run({"true"}, QString(text("<b>x</b> & ")) + QString(100, u'y'));
     finish();
     auto* const picker = screen().findChild<QComboBox*>();
-    EXPECT_EQ(picker->accessibleDescription(), text("Run"));
+    EXPECT_EQ(picker->accessibleName(), text("Run"));
     EXPECT_EQ(picker->itemText(0), text("<b>x</b> & ") + QString(70 - 11, u'y'));
     reviewFirst();
     run({"true"}, text("second"));

@@ -35,14 +35,20 @@ void NavRow::setCurrent(bool current) {
 void NavRow::setCount(int count) {
     if (count == m_count) return;
     m_count = count;
-    setAccessibleDescription(count > 0 ? QString::number(count) : QString());
+    describe();
     update();
 }
 
 void NavRow::setWanted(bool wanted) {
     if (wanted == m_wanted) return;
     m_wanted = wanted;
+    describe();
     update();
+}
+
+void NavRow::describe() {
+    const QString count = m_count > 0 ? QString::number(m_count) : QString();
+    setAccessibleDescription(m_wanted ? tr("%1, wants you").arg(count) : count);
 }
 
 void NavRow::paintEvent(QPaintEvent*) {

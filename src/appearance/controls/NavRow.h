@@ -4,8 +4,8 @@
 
 namespace orvo {
 
-/// An entry of the sidebar: symbol, text, and a count when there is one. Named by its text alone; the count
-/// is its accessible description.
+/// An entry of the sidebar: symbol, text, and a count when there is one. Named by its text alone; the count,
+/// and whether something of it wants the person, is its accessible description.
 class NavRow final : public Pressable {
     Q_OBJECT
 
@@ -27,6 +27,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void describe();
+
     QString m_icon;
     int m_count = 0;
     bool m_current = false;

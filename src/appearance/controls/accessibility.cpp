@@ -7,13 +7,17 @@
 #include "appearance/controls/Notice.h"
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/Paragraph.h"
+#include "appearance/controls/RowList.h"
+#include "appearance/controls/RowListAccessible.h"
 #include "appearance/controls/SegmentedControl.h"
 #include "appearance/controls/SessionTab.h"
 #include "appearance/controls/Sheet.h"
 #include "appearance/controls/StatusPill.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QComboBox>
 
 namespace orvo {
 namespace {
@@ -106,7 +110,56 @@ private:
     QMenu* menu() const { return static_cast<OrvoButton*>(widget())->menu(); }
 };
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+/// A picker that is called by its label and described by the entry that is chosen. Qt's own gives the entry
+/// as the name.
+class PickerInterface final : public QAccessibleWidget {
+public:
+    explicit PickerInterface(QComboBox* picker) : QAccessibleWidget(picker, QAccessible::ComboBox) {}
+
+    QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Description || kind == QAccessible::Value) return picker()->currentText();
+        return QAccessibleWidget::text(kind);
+    }
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.expandable = true;
+        state.expanded = picker()->view()->isVisible();
+        state.collapsed = !state.expanded;
+        state.hasPopup = true;
+        return state;
+    }
+
+    int childCount() const override { return 1; }
+    QAccessibleInterface* child(int index) const override {
+        return index == 0 ? QAccessible::queryAccessibleInterface(picker()->view()) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        return child && child->object() == picker()->view() ? 0 : -1;
+    }
+
+    QStringList actionNames() const override {
+        return QStringList{showMenuAction(), pressAction()} + QAccessibleWidget::actionNames();
+    }
+    void doAction(const QString& action) override {
+        if (action != showMenuAction() && action != pressAction()) return QAccessibleWidget::doAction(action);
+        if (!picker()->isEnabled()) return;
+        if (picker()->view()->isVisible())
+            picker()->hidePopup();
+        else
+            picker()->showPopup();
+    }
+
+private:
+    QComboBox* picker() const { return static_cast<QComboBox*>(widget()); }
+};
+
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+    // Qt's own crashes when it is asked for a child that has just gone, as its scroll bars come and go.
+    if (className == QLatin1String("QScrollArea") || className == QLatin1String("QAbstractScrollArea")) {
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Client);
+    }
+    if (auto* list = qobject_cast<RowList*>(object)) return new RowListAccessible(list);
     if (auto* row = qobject_cast<NavRow*>(object)) {
         return new ChoiceInterface(row, QAccessible::Button, [](const QWidget* w) {
             return static_cast<const NavRow*>(w)->isCurrent();
@@ -116,6 +169,9 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new ChoiceInterface(tab, QAccessible::PageTab, [](const QWidget* w) {
             return static_cast<const SessionTab*>(w)->isCurrent();
         });
+    }
+    if (auto* picker = qobject_cast<QComboBox*>(object); picker && !picker->accessibleName().isEmpty()) {
+        return new PickerInterface(picker);
     }
     if (auto* row = qobject_cast<Disclosure*>(object)) return new DisclosureInterface(row);
     if (auto* button = qobject_cast<OrvoButton*>(object); button && button->menu()) {

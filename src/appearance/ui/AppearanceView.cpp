@@ -78,7 +78,10 @@ QWidget* AppearanceView::makeTiles() {
     m_tileGrid = new FlowGrid(0, gap, host);
     for (const ThemePreset& preset : ThemePreset::all()) {
         auto* const tile = new PaletteTile(preset);
-        connect(tile, &PaletteTile::clicked, this, [this, preset] { m_theme.apply(preset); });
+        // Not `clicked`: assistive technology toggles.
+        connect(tile, &PaletteTile::toggled, this, [this, preset](bool on) {
+            if (on) m_theme.apply(preset);
+        });
         m_tiles.append(tile);
         m_tileGrid->addWidget(tile);
     }
@@ -147,6 +150,7 @@ void AppearanceView::resizeEvent(QResizeEvent* event) {
 
 void AppearanceView::refreshTiles() {
     for (PaletteTile* const tile : std::as_const(m_tiles)) {
+        const QSignalBlocker quiet(tile);
         // Exclusive buttons keep one of them checked; colours of one's own belong to none.
         tile->setAutoExclusive(false);
         tile->setChecked(tile->preset().id == m_theme.presetID());

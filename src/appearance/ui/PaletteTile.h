@@ -20,8 +20,6 @@ public:
     QSize minimumSizeHint() const override { return {180, 168}; }
 
 protected:
-    /// Checked follows the theme, not the click.
-    void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -43,6 +43,7 @@ bool isZai(const std::optional<Provider>& provider) {
 ConnectorView::ConnectorView(const std::optional<Provider>& provider, Workspace& workspace, Theme& theme,
                              Launcher& launcher, QWidget* window)
     : Sheet(window), m_provider(provider), m_workspace(workspace), m_theme(theme), m_launcher(launcher) {
+    setAccessibleName(title());
     setContent(makeHeader(), makeBody(), makeFooter());
     for (const TextField* const field : {m_name, m_executable, m_template})
         connect(field, &TextField::textChanged, this, [this] { refreshSave(); });
@@ -59,14 +60,16 @@ void ConnectorView::present() {
     open(m_name);
 }
 
+QString ConnectorView::title() const {
+    return m_provider ? tr("Configure %1").arg(m_provider->name) : tr("Add an assistant");
+}
+
 QWidget* ConnectorView::makeHeader() const {
     auto* const header = new QWidget;
     auto* const row = rowIn(header, 16);
     row->addWidget(new OrvoMark(32), 0, Qt::AlignTop);
     auto* const lines = columnIn(nullptr, 4);
-    lines->addWidget(
-        new Paragraph(m_provider ? tr("Configure %1").arg(m_provider->name) : tr("Add an assistant"),
-                      TypeRole::Section, Ink::Text));
+    lines->addWidget(new Paragraph(title(), TypeRole::Section, Ink::Text));
     lines->addWidget(new Paragraph(
         tr("Connect a local CLI. Sign in inside its terminal using your provider’s normal login flow.")));
     row->addLayout(lines, 1);

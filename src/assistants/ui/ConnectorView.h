@@ -28,6 +28,7 @@ public:
     void present();
 
 private:
+    QString title() const;
     QWidget* makeHeader() const;
     QWidget* makeBody();
     QWidget* makeFooter();

@@ -104,16 +104,19 @@ QWidget* ProviderCard::makeFooter() {
     auto* const row = rowIn(footer, 4, QMargins(10, 6, 10, 6));
     const auto addAction = [&](const QString& title, const QString& icon, auto work) {
         auto* const button = new OrvoButton(title, icon, OrvoButton::Kind::Plain, OrvoButton::Size::Small);
+        // The bare verb is on every card; the description tells them apart.
+        button->setAccessibleDescription(m_provider.name);
         connect(button, &OrvoButton::clicked, this, work);
         row->addWidget(button);
+        return button;
     };
     if (canSignIn(m_provider.id)) {
         addAction(tr("Sign in"), QStringLiteral("person.crop.circle"),
                   [this] { m_workspace.signIn(m_provider); });
     }
     if (canResume(m_provider.id)) {
-        addAction(tr("Resume"), QStringLiteral("clock.arrow.circlepath"),
-                  [this] { m_workspace.resume(m_provider); });
+        m_resume = addAction(tr("Resume"), QStringLiteral("clock.arrow.circlepath"),
+                             [this] { m_workspace.resume(m_provider); });
     }
     addAction(tr("Configure"), QStringLiteral("slider.horizontal.3"),
               [this] { m_workspace.editConnector(m_provider); });
@@ -135,7 +138,6 @@ void ProviderCard::refreshState() {
     const bool ready = assistants.isReady(m_provider);
     m_mainAction->setTitle(ready ? tr("Open") : tr("Set up"));
     m_mainAction->setIconName(ready ? QStringLiteral("arrow.up.right") : QString());
-    // The bare verb is on every card; the description tells them apart.
     m_mainAction->setAccessibleDescription(m_provider.name);
 
     const QString label = assistants.connectionLabel(m_provider);
@@ -145,9 +147,11 @@ void ProviderCard::refreshState() {
         m_status->setInk(ink);
     }
     if (m_pill) m_pill->setStatus(label, ink);
+    const auto path = assistants.available().constFind(m_provider.id);
+    const bool installed = path != assistants.available().constEnd();
+    // What is not there has no conversation to go on with.
+    if (m_resume) m_resume->setEnabled(installed);
     if (m_path) {
-        const auto path = assistants.available().constFind(m_provider.id);
-        const bool installed = path != assistants.available().constEnd();
         m_path->setText(installed ? path->display() : tr("Install this tool to connect it"));
         m_path->setFont(installed ? monoFont(11) : fontOf(TypeRole::Caption));
     }

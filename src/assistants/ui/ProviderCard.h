@@ -39,6 +39,8 @@ private:
     /// Full form.
     StatusPill* m_pill = nullptr;
     ElidedLabel* m_path = nullptr;
+    /// Only for assistants that can be resumed.
+    OrvoButton* m_resume = nullptr;
 };
 
 }  // namespace orvo

@@ -145,10 +145,13 @@ QWidget* CompanionSettingsView::makePets() {
     auto* const row = rowIn(tiles, gap);
     m_defaultPet = new PetTile(tr("Default pet"));
     m_customPet = new PetTile(tr("Custom"));
-    connect(m_defaultPet, &PetTile::clicked, this,
-            [this] { m_model.setAppearance(QStringLiteral("default")); });
-    connect(m_customPet, &PetTile::clicked, this,
-            [this] { m_model.setAppearance(QStringLiteral("custom")); });
+    // Not `clicked`: assistive technology toggles.
+    connect(m_defaultPet, &PetTile::toggled, this, [this](bool on) {
+        if (on) m_model.setAppearance(QStringLiteral("default"));
+    });
+    connect(m_customPet, &PetTile::toggled, this, [this](bool on) {
+        if (on) m_model.setAppearance(QStringLiteral("custom"));
+    });
     row->addWidget(m_defaultPet);
     row->addWidget(m_customPet);
     row->addStretch();
@@ -240,6 +243,7 @@ void CompanionSettingsView::refreshPet() {
     m_name->setText(m_model.displayName());
     const bool custom = m_model.appearance() == QStringLiteral("custom");
     for (PetTile* const tile : {m_defaultPet, m_customPet}) {
+        const QSignalBlocker quiet(tile);
         // Exclusive buttons cannot be unchecked; the model says which one it is.
         tile->setAutoExclusive(false);
         tile->setChecked((tile == m_customPet) == custom);

@@ -21,7 +21,6 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
 
 private:

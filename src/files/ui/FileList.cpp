@@ -121,7 +121,7 @@ void FileModel::refreshOpenFile() {
 }
 
 FileList::FileList(ProjectFiles& files, QWidget* parent)
-    : QListView(parent), m_files(files), m_model(new FileModel(files, this)) {
+    : RowList(parent), m_files(files), m_model(new FileModel(files, this)) {
     setAccessibleName(tr("Files"));
     setModel(m_model);
     setItemDelegate(new FileDelegate(this));
@@ -147,11 +147,17 @@ void FileList::open(const QModelIndex& row) {
     }
 }
 
+void FileList::pressRow(int row) {
+    const QModelIndex index = m_model->index(row);
+    setCurrentIndex(index);
+    open(index);
+}
+
 void FileList::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         open(currentIndex());
     else
-        QListView::keyPressEvent(event);
+        RowList::keyPressEvent(event);
 }
 
 // The first click has opened what was under the pointer; the second must not open what is there now.

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "appearance/controls/RowList.h"
 #include "files/ProjectFiles.h"
 
 #include <QAbstractListModel>
-#include <QListView>
 
 namespace orvo {
 
@@ -30,7 +30,7 @@ private:
 };
 
 /// The files of a folder. A click, or Return on the current row, opens a file or goes into a folder.
-class FileList final : public QListView {
+class FileList final : public RowList {
     Q_OBJECT
 
 public:
@@ -40,6 +40,7 @@ public:
     explicit FileList(ProjectFiles& files, QWidget* parent = nullptr);
 
     void open(const QModelIndex& row);
+    void pressRow(int row) override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -3,7 +3,6 @@
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
-#include "team_runs/ui/ChangeListAccessible.h"
 #include "team_runs/ui/CopyReview.h"
 
 #include <QKeyEvent>
@@ -121,8 +120,7 @@ Qt::ItemFlags ChangeModel::flags(const QModelIndex&) const {
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable;
 }
 
-ChangeList::ChangeList(CopyReview& review, QWidget* parent) : QListView(parent), m_review(review) {
-    ChangeListAccessible::install();
+ChangeList::ChangeList(CopyReview& review, QWidget* parent) : RowList(parent), m_review(review) {
     setAccessibleName(tr("Changed files"));
     setModel(new ChangeModel(review, this));
     setItemDelegate(new ChangeDelegate(this));
@@ -149,34 +147,46 @@ void ChangeList::refreshCurrent() {
     if (currentIndex() != index) setCurrentIndex(index);
 }
 
-void ChangeList::toggle(int row) {
+void ChangeList::pressRow(int row) {
+    setCurrentIndex(model()->index(row, 0));
+}
+
+std::optional<bool> ChangeList::isRowTicked(int row) const {
+    return model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
+}
+
+QString ChangeList::rowDescription(int row) const {
+    return model()->index(row, 0).data(ChangeModel::KindRole).toString();
+}
+
+void ChangeList::toggleRow(int row) {
     const QModelIndex index = model()->index(row, 0);
     const bool checked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     model()->setData(index, checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
-    ChangeListAccessible::announceToggled(*this, row);
+    announceToggled(row);
 }
 
 void ChangeList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QListView::currentChanged(current, previous);
+    RowList::currentChanged(current, previous);
     if (current.isValid()) m_review.setPreviewPath(m_review.changes()[current.row()].path);
 }
 
 void ChangeList::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
-        toggle(currentIndex().row());
+        toggleRow(currentIndex().row());
         return;
     }
-    QListView::keyPressEvent(event);
+    RowList::keyPressEvent(event);
 }
 
 void ChangeList::mousePressEvent(QMouseEvent* event) {
     const QModelIndex index = indexAt(event->position().toPoint());
     const bool onBox = event->position().x() < listPadding + tickWidth;
     if (event->button() == Qt::LeftButton && index.isValid() && onBox) {
-        toggle(index.row());
+        toggleRow(index.row());
         return;
     }
-    QListView::mousePressEvent(event);
+    RowList::mousePressEvent(event);
 }
 
 }  // namespace orvo

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "appearance/controls/RowList.h"
+
 #include <QAbstractListModel>
-#include <QListView>
 
 namespace orvo {
 
@@ -26,16 +27,20 @@ private:
 };
 
 /// The list of changes: a box to tick each of them, and a click on a row compares its file. Thousands of rows
-/// cost what the visible ones cost. To assistive technology its rows are check boxes.
-class ChangeList final : public QListView {
+/// cost what the visible ones cost.
+class ChangeList final : public RowList {
     Q_OBJECT
 
 public:
     explicit ChangeList(CopyReview& review, QWidget* parent = nullptr);
 
     CopyReview& review() const { return m_review; }
+
+    void pressRow(int row) override;
+    std::optional<bool> isRowTicked(int row) const override;
     /// Ticks the row, or takes the tick away.
-    void toggle(int row);
+    void toggleRow(int row) override;
+    QString rowDescription(int row) const override;
 
 protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;

@@ -90,8 +90,7 @@ QWidget* TeamRunsView::makeRunRow() {
     auto* const host = new QWidget;
     auto* const row = rowIn(host, 8);
     m_picker = new QComboBox;
-    // As its name Qt gives the entry that is chosen.
-    m_picker->setAccessibleDescription(tr("Run"));
+    m_picker->setAccessibleName(tr("Run"));
     m_picker->setMaximumWidth(widestPicker);
     m_picker->setMaxVisibleItems(10);
     m_picker->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

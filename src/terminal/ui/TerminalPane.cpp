@@ -138,6 +138,8 @@ QWidget* TerminalPane::makeHeader() {
     row->addWidget(m_name, 1);
     row->addWidget(m_state);
     m_menuButton->setMenu(makeMenu());
+    // Every pane has one; the description tells them apart.
+    m_menuButton->setAccessibleDescription(m_session->title());
     row->addWidget(m_menuButton);
     return header;
 }

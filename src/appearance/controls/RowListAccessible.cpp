@@ -1,21 +1,23 @@
-#include "team_runs/ui/ChangeListAccessible.h"
+#include "appearance/controls/RowListAccessible.h"
 
-#include "team_runs/ui/ChangeList.h"
+#include "appearance/controls/RowList.h"
 
 #include <QPointer>
 
 namespace orvo {
 namespace {
 
-class ChangeRowAccessible final : public QAccessibleInterface, public QAccessibleActionInterface {
+class RowAccessible final : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
-    ChangeRowAccessible(ChangeList* list, int row) : m_list(list), m_row(row) {}
+    RowAccessible(RowList* list, int row) : m_list(list), m_row(row) {}
 
     int row() const { return m_row; }
 
     bool isValid() const override { return m_list && m_row < m_list->model()->rowCount(); }
     QObject* object() const override { return nullptr; }
-    QAccessible::Role role() const override { return QAccessible::CheckBox; }
+    QAccessible::Role role() const override {
+        return isTicked() ? QAccessible::CheckBox : QAccessible::ListItem;
+    }
     QAccessibleInterface* parent() const override {
         return m_list ? QAccessible::queryAccessibleInterface(m_list) : nullptr;
     }
@@ -26,8 +28,9 @@ public:
     void setText(QAccessible::Text, const QString&) override {}
 
     QString text(QAccessible::Text kind) const override {
+        if (!isValid()) return {};
         if (kind == QAccessible::Name) return index().data().toString();
-        if (kind == QAccessible::Description) return index().data(ChangeModel::KindRole).toString();
+        if (kind == QAccessible::Description) return m_list->rowDescription(m_row);
         return {};
     }
 
@@ -43,8 +46,8 @@ public:
             state.invalid = true;
             return state;
         }
-        state.checkable = true;
-        state.checked = index().data(Qt::CheckStateRole).toInt() == Qt::Checked;
+        state.checkable = isTicked().has_value();
+        state.checked = isTicked().value_or(false);
         state.focusable = true;
         state.focused = m_list->hasFocus() && m_list->currentIndex() == index();
         state.selectable = true;
@@ -59,73 +62,56 @@ public:
         return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
                                                     : nullptr;
     }
-    QStringList actionNames() const override { return {toggleAction(), pressAction()}; }
+    QStringList actionNames() const override {
+        return isTicked() ? QStringList{toggleAction(), pressAction()} : QStringList{pressAction()};
+    }
     QStringList keyBindingsForAction(const QString&) const override { return {}; }
     void doAction(const QString& action) override {
         if (!isValid() || !m_list->isEnabled()) return;
-        if (action == toggleAction()) m_list->toggle(m_row);
-        if (action == pressAction()) m_list->setCurrentIndex(index());
+        if (action == toggleAction()) m_list->toggleRow(m_row);
+        if (action == pressAction()) m_list->pressRow(m_row);
     }
 
 private:
+    std::optional<bool> isTicked() const { return isValid() ? m_list->isRowTicked(m_row) : std::nullopt; }
     QModelIndex index() const { return m_list ? m_list->model()->index(m_row, 0) : QModelIndex(); }
 
-    QPointer<ChangeList> m_list;
+    QPointer<RowList> m_list;
     const int m_row;
 };
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    auto* const list = qobject_cast<ChangeList*>(object);
-    return list ? new ChangeListAccessible(list) : nullptr;
-}
-
 }  // namespace
 
-void ChangeListAccessible::install() {
-    QAccessible::installFactory(makeInterface);  // Qt keeps one of each
-}
+RowListAccessible::RowListAccessible(RowList* list) : QAccessibleWidget(list, QAccessible::List) {}
 
-void ChangeListAccessible::announceToggled(ChangeList& list, int row) {
-    if (!QAccessible::isActive()) return;
-    QAccessibleInterface* const whole = QAccessible::queryAccessibleInterface(&list);
-    QAccessibleInterface* const interface = whole ? whole->child(row) : nullptr;
-    if (!interface) return;
-    QAccessible::State changed;
-    changed.checked = true;
-    QAccessibleStateChangeEvent event(interface, changed);
-    QAccessible::updateAccessibility(&event);
-}
-
-ChangeListAccessible::ChangeListAccessible(ChangeList* list) : QAccessibleWidget(list, QAccessible::List) {}
-
-ChangeListAccessible::~ChangeListAccessible() {
+RowListAccessible::~RowListAccessible() {
     for (const QAccessible::Id id : std::as_const(m_rows))
         QAccessible::deleteAccessibleInterface(id);
 }
 
-ChangeList& ChangeListAccessible::list() const {
-    return *static_cast<ChangeList*>(widget());
+RowList& RowListAccessible::list() const {
+    return *static_cast<RowList*>(widget());
 }
 
-int ChangeListAccessible::childCount() const {
+int RowListAccessible::childCount() const {
     return list().model()->rowCount();
 }
 
-QAccessibleInterface* ChangeListAccessible::child(int row) const {
+QAccessibleInterface* RowListAccessible::child(int row) const {
     if (row < 0 || row >= childCount()) return nullptr;
     const auto known = m_rows.constFind(row);
     if (known != m_rows.constEnd()) return QAccessible::accessibleInterface(*known);
-    auto* const interface = new ChangeRowAccessible(&list(), row);
+    auto* const interface = new RowAccessible(&list(), row);
     m_rows.insert(row, QAccessible::registerAccessibleInterface(interface));
     return interface;
 }
 
-int ChangeListAccessible::indexOfChild(const QAccessibleInterface* child) const {
-    const auto* const row = dynamic_cast<const ChangeRowAccessible*>(child);
+int RowListAccessible::indexOfChild(const QAccessibleInterface* child) const {
+    const auto* const row = dynamic_cast<const RowAccessible*>(child);
     return row ? row->row() : -1;
 }
 
-QAccessibleInterface* ChangeListAccessible::childAt(int x, int y) const {
+QAccessibleInterface* RowListAccessible::childAt(int x, int y) const {
     const QModelIndex index = list().indexAt(list().viewport()->mapFromGlobal(QPoint(x, y)));
     return index.isValid() ? child(index.row()) : nullptr;
 }
