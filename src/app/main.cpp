@@ -5,6 +5,7 @@
 #include "app/OrvoApplication.h"
 #include "app/QtArguments.h"
 #include "app/SingleInstance.h"
+#include "app/StallWatch.h"
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
 #include "app/self_test/SelfTest.h"
@@ -33,10 +34,16 @@
 #include <optional>
 
 using namespace orvo;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr int usageError = 2;
+
+#ifdef ORVO_STALL_WATCH
+// Three frames of a screen with 60 a second: what a person begins to feel.
+constexpr auto stallLimit = 50ms;
+#endif
 
 FilePath currentFolder() {
     return FilePath(QFile::encodeName(QDir::currentPath()));
@@ -144,6 +151,11 @@ int showWindow(const char* program, const Options& options) {
     const MotionSetting motion;
     observe(motion, {&MotionSetting::reducedChanged}, &orvo,
             [&orvo, &motion] { orvo.setReducedMotion(motion.isReduced()); });
+#ifdef ORVO_STALL_WATCH
+    std::optional<StallWatch> stallWatch;
+    // Once the window has been painted; the start has a measure of its own.
+    clock.after(0ms, &orvo, [&stallWatch] { stallWatch.emplace(stallLimit); });
+#endif
     return QApplication::exec();
 }
 
