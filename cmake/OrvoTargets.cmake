@@ -12,6 +12,16 @@ function(orvo_add_library name)
   endif()
 endfunction()
 
+# orvo_add_module(orvo_voice SOURCES ... LINKS ...): what the programs load when it is used first.
+function(orvo_add_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_library(${name} MODULE ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/src")
+  target_link_libraries(${name} PRIVATE orvo_flags ${arg_LINKS})
+  set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/orvo-ai")
+  install(TARGETS ${name} LIBRARY DESTINATION lib/orvo-ai)
+endfunction()
+
 # orvo_add_test(files_test SOURCES ... LINKS ... [GUI | NO_QT] [TIMEOUT seconds])
 # GUI tests get an offscreen QApplication, others a QCoreApplication, NO_QT tests plain GoogleTest.
 function(orvo_add_test name)

@@ -1,21 +1,41 @@
 #include "platform/images/QtImageDecoder.h"
 
+#include "platform/images/PictureFormats.h"
 #include "platform/images/QtImage.h"
-#include "platform/images/heif.h"
-#include "platform/images/tiff.h"
+#include "platform/loadModule.h"
 
 #include <QBuffer>
 #include <QImageReader>
 
+#include <algorithm>
 #include <array>
 
 namespace orvo {
 namespace {
 
+// Still pictures and sequences coded with HEVC, and the two general brands that some cameras write first.
+constexpr std::array acceptedBrands = {"heic", "heix", "heim", "heis", "hevc",
+                                       "hevx", "hevm", "hevs", "mif1", "msf1"};
+
 constexpr std::array acceptedFormats = {"png", "jpeg", "tiff"};
 
 // The largest accepted picture, 8192 x 8192, at eight bytes a pixel. Qt's own limit refuses half of that.
 constexpr int mebibytesForOnePicture = 512;
+
+/// The bytes begin as an HEIC file does, or as its general kind, HEIF.
+bool isHeif(const QByteArray& bytes) {
+    // A box of type "ftyp" comes first; its main brand follows, then a version, then all brands.
+    if (bytes.size() < 12 || bytes.mid(4, 4) != "ftyp") return false;
+    const QByteArray brand = bytes.mid(8, 4);
+    return std::ranges::any_of(acceptedBrands, [&brand](const char* accepted) { return brand == accepted; });
+}
+
+/// Null when the module is missing; what it would read is then no picture.
+const PictureFormats* formats() {
+    static const auto function =
+        reinterpret_cast<PictureFormatsFunction>(loadModule("orvo_pictures", pictureFormatsSymbol));
+    return function ? function() : nullptr;
+}
 
 /// Lets one picture take more memory than Qt allows by itself, as long as it lives.
 class RaisedAllocationLimit {
@@ -57,11 +77,11 @@ QImage decodeByQt(const QByteArray& bytes) {
 }  // namespace
 
 QList<std::optional<QSize>> QtImageDecoder::frameSizes(const QByteArray& bytes) const {
-    if (heif::isHeif(bytes)) return heif::frameSizes(bytes);
+    if (isHeif(bytes)) return formats() ? formats()->heifFrameSizes(bytes) : QList<std::optional<QSize>>();
     const QByteArray format = formatOf(bytes);
     if (format.isEmpty()) return {};
     // Qt reaches a page by walking from the first one, which takes minutes in a file of many small pages.
-    if (format == "tiff") return tiff::frameSizes(bytes);
+    if (format == "tiff") return formats() ? formats()->tiffFrameSizes(bytes) : QList<std::optional<QSize>>();
     QBuffer buffer;
     buffer.setData(bytes);
     QImageReader reader(&buffer, format);
@@ -72,7 +92,11 @@ QList<std::optional<QSize>> QtImageDecoder::frameSizes(const QByteArray& bytes) 
 }
 
 std::shared_ptr<const DecodedImage> QtImageDecoder::decode(const QByteArray& bytes) const {
-    const QImage image = heif::isHeif(bytes) ? heif::decode(bytes) : decodeByQt(bytes);
+    QImage image;
+    if (!isHeif(bytes))
+        image = decodeByQt(bytes);
+    else if (formats())
+        image = formats()->decodeHeif(bytes);
     return image.isNull() ? nullptr : std::make_shared<QtImage>(image);
 }
 

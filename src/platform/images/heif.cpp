@@ -4,17 +4,11 @@
 
 #include <libheif/heif.h>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <vector>
 
 namespace orvo::heif {
 namespace {
-
-// Still pictures and sequences coded with HEVC, and the two general brands that some cameras write first.
-constexpr std::array acceptedBrands = {"heic", "heix", "heim", "heis", "hevc",
-                                       "hevx", "hevm", "hevs", "mif1", "msf1"};
 
 template <auto Free>
 struct Freed {
@@ -68,13 +62,6 @@ QImage wrap(Picture picture) {
 }
 
 }  // namespace
-
-bool isHeif(const QByteArray& bytes) {
-    // A box of type "ftyp" comes first; its main brand follows, then a version, then all brands.
-    if (bytes.size() < 12 || bytes.mid(4, 4) != "ftyp") return false;
-    const QByteArray brand = bytes.mid(8, 4);
-    return std::ranges::any_of(acceptedBrands, [&brand](const char* accepted) { return brand == accepted; });
-}
 
 QList<std::optional<QSize>> frameSizes(const QByteArray& bytes) {
     const Context context = open(bytes);

@@ -9,8 +9,9 @@ class Preferences;
 class SpeechRecognition;
 class SpeechSynthesizer;
 
-/// Everything that the companion hears and speaks with. Making it costs nothing: each part loads what it
-/// needs, on a thread of its own, when it is used first. Main thread only.
+/// Everything that the companion hears and speaks with. Making it costs nothing: the libraries of the sound
+/// server, the recogniser and the speech service are loaded when a part is used first, and each part gets
+/// what it needs on a thread of its own. Main thread only.
 class VoiceServices {
 public:
     /// The preferences outlive this; null for none.
