@@ -31,12 +31,13 @@ fuzz: ## hostile input for the terminal and the plan reader, FUZZ_SECONDS (120) 
 	@scripts/install-deps lint
 	@JOBS=$(JOBS) scripts/fuzz
 
-bench: ## speed beside everyday peers, as tables: the interpreter, the editor, copies and changes of team runs
+bench: ## speed beside everyday peers, as tables: interpreter, editor, team runs, start
 	@scripts/install-deps bench
 	@$(MAKE) --no-print-directory build BENCH=1
 	@$(RELEASE)/orvo_bench
 	@$(RELEASE)/orvo_editor_bench
 	@$(RELEASE)/orvo_team_runs_bench
+	@xvfb-run -a -s '-screen 0 1600x1000x24' dbus-run-session -- $(RELEASE)/orvo_startup_bench
 
 package: ## a Debian package: build/release/package/orvo_*.deb
 	@scripts/install-deps build package
