@@ -28,14 +28,8 @@ bool isExecutableFile(const QByteArray& path) {
 /// The folders that are searched for a program, best first.
 QList<QByteArray> searchFolders(const ToolEnvironment& environment) {
     const QByteArray& home = environment.home.bytes();
-    QList<QByteArray> folders = {home + "/.local/bin",
-                                 home + "/.kimi-code/bin",
-                                 home + "/.cargo/bin",
-                                 "/opt/homebrew/bin",
-                                 "/usr/local/bin",
-                                 "/usr/bin",
-                                 "/bin"};
-    for (const QByteArray& folder : environment.path.split(':')) {
+    QList<QByteArray> folders = {home + "/.local/bin", home + "/.kimi-code/bin", home + "/.cargo/bin"};
+    for (const QByteArray& folder : (environment.systemFolders + ':' + environment.path).split(':')) {
         // A relative entry would find another program in every working folder.
         if (folder.startsWith('/')) folders.append(folder);
     }

@@ -5,7 +5,11 @@
 namespace orvo {
 
 ToolEnvironment ToolEnvironment::fromProcess() {
-    return {FilePath(QFile::encodeName(QDir::homePath())), qgetenv("PATH")};
+    ToolEnvironment environment = {.home = FilePath(QFile::encodeName(QDir::homePath())),
+                                   .path = qgetenv("PATH")};
+    if (qEnvironmentVariableIsSet("ORVO_TOOL_FOLDERS"))
+        environment.systemFolders = qgetenv("ORVO_TOOL_FOLDERS");
+    return environment;
 }
 
 }  // namespace orvo

@@ -15,7 +15,10 @@ class ToolFolder {
 public:
     QString home() const { return m_folder.filePath(QStringLiteral("home")); }
     QString inheritedPath() const { return m_folder.filePath(QStringLiteral("path")); }
-    ToolEnvironment environment() const { return {FilePath::fromString(home()), inheritedPath().toUtf8()}; }
+    /// Without the folders of the system, where the machine that runs the test may have assistants.
+    ToolEnvironment environment() const {
+        return {.home = FilePath::fromString(home()), .path = inheritedPath().toUtf8(), .systemFolders = {}};
+    }
 
     /// Writes a shell script and returns its path.
     FilePath script(const QString& path, const QByteArray& text = "exit 0\n",

@@ -19,6 +19,7 @@ def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None):
         os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
     os.environ["HOME"] = str(root / "home")
     os.environ["PATH"] = "/usr/bin:/bin"
+    os.environ["ORVO_TOOL_FOLDERS"] = ""
     prepare(root)
     shutil.rmtree(pictures, ignore_errors=True)
 

@@ -29,6 +29,7 @@ class Home:
             os.environ[f"XDG_{variable}_HOME"] = str(self.root / variable.lower())
         os.environ["HOME"] = str(self.root / "home")
         os.environ["PATH"] = "/usr/bin:/bin"
+        os.environ["ORVO_TOOL_FOLDERS"] = ""
         self.programs = []
 
     def start(self, *arguments, environment=None):
@@ -172,9 +173,16 @@ def choose(program, menu, item):
     program.click(program.find("menu item", item))
 
 
+def files_below(folder):
+    return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
 def capture_beside_a_window(home):
     first = home.start("--workspace", str(home.project))
-    kept = {path: path.read_bytes() for path in (home.root / "config").rglob("*") if path.is_file()}
+    # Until the window has stored what its start has found out.
+    kept = None
+    while kept != (kept := files_below(home.root / "config")):
+        time.sleep(1)
     pictures = home.root / "pictures"
     # It neither goes to the open window nor disturbs it.
     done = subprocess.run([BINARY, "--capture", str(pictures)], stdin=subprocess.DEVNULL, capture_output=True,
@@ -185,7 +193,7 @@ def capture_beside_a_window(home):
     for path in pictures.iterdir():
         assert path.read_bytes().startswith(b"\x89PNG"), path
         shutil.copy(path, PICTURES)
-    assert kept == {path: path.read_bytes() for path in (home.root / "config").rglob("*") if path.is_file()}
+    assert kept == files_below(home.root / "config")
     assert first.process.poll() is None
     first.press("Settings")
     home.later_start()

@@ -14,14 +14,21 @@ QJsonDocument OrvoctlTestCase::Outcome::json() const {
 }
 
 OrvoctlTestCase::OrvoctlTestCase() {
-    for (const char* const folder : {"home/.local/bin", "config", "data", "run", "project"}) {
+    for (const char* const folder : {"home/.local/bin", "config", "data", "run", "project", "bin"}) {
         EXPECT_TRUE(QDir().mkpath(path(folder)));
     }
     environment.insert(QStringLiteral("HOME"), path("home"));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), path("data"));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), path("run"));
-    environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
+    // The assistants of the machine that runs the test stay out of it.
+    for (const char* const tool :
+         {"cat", "chmod", "cp", "diff", "ln", "mkdir", "mkfifo", "mv", "rm", "sh", "sleep", "touch"}) {
+        EXPECT_TRUE(QFile::link(QStringLiteral("/usr/bin/") + QString::fromUtf8(tool),
+                                path("bin/") + QString::fromUtf8(tool)));
+    }
+    environment.insert(QStringLiteral("PATH"), path("bin"));
+    environment.insert(QStringLiteral("ORVO_TOOL_FOLDERS"), QString());
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
 }
 

@@ -224,13 +224,21 @@ TEST_F(Dispatch, SigningInWorksWithoutAProjectAndOpensTheEditorWhenNotInstalled)
 }
 
 TEST_F(Dispatch, AProgramThatVanishedSinceDiscoverySaysSoOnItsScreen) {
-    QFile::remove(home.display() + QStringLiteral("/.local/bin/claude"));
+    // A name that no machine has in its own folders.
+    const QString name = QStringLiteral("orvo-lighthouse");
+    install("claude", "orvo-lighthouse");
+    Provider provider = workspace->assistants().provider(QStringLiteral("claude"));
+    provider.executable = name;
+    provider.template_ = name + QStringLiteral(" {prompt}");
+    workspace->assistants().saveProvider(provider);
+    QFile::remove(home.display() + QStringLiteral("/.local/bin/") + name);
     select({"claude"});
     send(QStringLiteral("task"));
     ASSERT_EQ(workspace->sessions().size(), 1u);
     EXPECT_TRUE(everySessionEnds());
     EXPECT_EQ(workspace->sessions().front()->exitCode(), 127);
-    EXPECT_TRUE(textOf(*workspace->sessions().front()).contains(QStringLiteral("command not found: claude")));
+    EXPECT_TRUE(
+        textOf(*workspace->sessions().front()).contains(QStringLiteral("command not found: ") + name));
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ Workspace& WorkspaceTestCase::makeWorkspace(Persist persist) {
                           .dialogs = dialogs,
                           .launcher = launcher,
                           .sleepInhibitor = sleepInhibitor,
-                          .tools = {home, "/usr/bin:/bin"},
+                          .tools = {.home = home, .systemFolders = {}},
                           .historyInbox = historyInbox});
     workspace->setSeparateCopies(false);
     return *workspace;

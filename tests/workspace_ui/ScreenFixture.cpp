@@ -61,13 +61,14 @@ FilePath ScreenFixture::makeProject(const QString& name) {
 }
 
 WorkspaceServices ScreenFixture::services() {
-    // Without a PATH, programs of the machine that runs the test show up only from the system's own folders.
     return {.preferences = &m_preferences,
             .clock = m_clock,
             .dialogs = m_dialogs,
             .launcher = m_launcher,
             .sleepInhibitor = m_sleepInhibitor,
-            .tools = {FilePath::fromString(m_folder.filePath(QStringLiteral("home"))), QByteArray()}};
+            // The assistants of the machine that runs the test stay out of it.
+            .tools = {.home = FilePath::fromString(m_folder.filePath(QStringLiteral("home"))),
+                      .systemFolders = {}}};
 }
 
 Workspace& ScreenFixture::workspace() {
@@ -101,7 +102,7 @@ CompanionModel& ScreenFixture::companion() {
                                                                          .microphone = m_microphone,
                                                                          .recognition = m_recognition,
                                                                          .synthesizer = m_synthesizer,
-                                                                         .builtInPet = builtInPet(),
+                                                                         .builtInPet = builtInPet,
                                                                          .locale = QStringLiteral("en_GB")});
     }
     return *m_companion;

@@ -166,7 +166,7 @@ public:
                               .dialogs = m_dialogs,
                               .launcher = m_launcher,
                               .sleepInhibitor = m_sleepInhibitor,
-                              .tools = {FilePath::fromString(m_folder.path()), QByteArray()}},
+                              .tools = {.home = FilePath::fromString(m_folder.path()), .systemFolders = {}}},
             Options{}, AppPlaces{AppFolders::fromProcess(), {}},
             DesktopServices{m_desktop, m_images, m_microphone, m_recognition, m_synthesizer,
                             m_escapedPrograms, m_notifications});
