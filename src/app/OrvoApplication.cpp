@@ -39,6 +39,8 @@ constexpr auto capturePageDelay = 800ms;
 
 // What a fault may cost of the editor's text, in time of typing.
 constexpr auto keepInterval = 3s;
+// After the first picture of the window, which takes a few frames.
+constexpr auto companionDelay = 100ms;
 
 constexpr std::array capturedPages = {Destination::Workspace, Destination::Agents, Destination::Appearance,
                                       Destination::Mac,       Destination::Files,  Destination::Settings};
@@ -64,7 +66,7 @@ OrvoApplication::OrvoApplication(const WorkspaceServices& services, Options opti
                    .microphone = desktop.microphone,
                    .recognition = desktop.recognition,
                    .synthesizer = desktop.synthesizer,
-                   .builtInPet = builtInPet(),
+                   .builtInPet = builtInPet,
                    .locale = QLocale().name()}),
       m_crashReports(m_places.crashReports()),
       m_recovery(m_workspace.files(), m_places.folders.applicationData("Recovery")) {}
@@ -102,9 +104,9 @@ void OrvoApplication::launch() {
     m_notices = std::make_unique<SessionNotices>(
         m_workspace, m_services.clock, *m_services.preferences, m_notifications,
         [this](const QByteArray& activationToken) { showMainWindow(activationToken); });
-    // Once the event loop runs: the question must not hold up the start.
-    m_services.clock.after(0ms, this, [this] { startCompanion(); });
+    // The question must not hold up the start, and neither the pet: the window is painted by then.
     m_services.clock.after(0ms, this, [this] { tellOfTheLastRun(); });
+    m_services.clock.after(companionDelay, this, [this] { startCompanion(); });
     for (const auto change : {&ProjectFiles::editorTextChanged, &ProjectFiles::savedTextChanged}) {
         connect(&m_workspace.files(), change, this, &OrvoApplication::keepUnsavedTextSoon);
     }

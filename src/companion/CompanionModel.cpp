@@ -84,7 +84,12 @@ void CompanionModel::save() {
 }
 
 std::shared_ptr<const DecodedImage> CompanionModel::displayedImage() const {
-    return m_appearance == customAppearance() && m_customImage ? m_customImage : m_services.builtInPet;
+    return m_appearance == customAppearance() && m_customImage ? m_customImage : builtInPet();
+}
+
+std::shared_ptr<const DecodedImage> CompanionModel::builtInPet() const {
+    if (!m_builtInPet) m_builtInPet = m_services.builtInPet();
+    return m_builtInPet;
 }
 
 QString CompanionModel::displayName() const {

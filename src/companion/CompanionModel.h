@@ -24,8 +24,8 @@ struct CompanionServices {
     Microphone& microphone;
     SpeechRecognition& recognition;
     SpeechSynthesizer& synthesizer;
-    /// Null when the application came without it.
-    std::shared_ptr<const DecodedImage> builtInPet;
+    /// Reads the pet that comes with the application, once it is to be seen; null when it came without.
+    std::function<std::shared_ptr<const DecodedImage>()> builtInPet;
     /// The person's, as "language_REGION".
     QString locale;
 };
@@ -52,7 +52,7 @@ public:
     double scale() const { return m_scale; }
     bool animate() const { return m_animate; }
     const std::shared_ptr<const DecodedImage>& customImage() const { return m_customImage; }
-    const std::shared_ptr<const DecodedImage>& builtInPet() const { return m_services.builtInPet; }
+    std::shared_ptr<const DecodedImage> builtInPet() const;
     const QString& draft() const { return m_draft; }
     const QString& message() const { return m_message; }
     bool listening() const { return m_dictation.isListening(); }
@@ -124,6 +124,8 @@ private:
     double m_scale = 1.0;
     bool m_animate = true;
     std::shared_ptr<const DecodedImage> m_customImage;
+    /// Read at the first look.
+    mutable std::shared_ptr<const DecodedImage> m_builtInPet;
     QString m_draft;
     /// What the draft held, trimmed, when recognition began.
     QString m_baseDraft;

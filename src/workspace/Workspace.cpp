@@ -10,6 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto noticeTime = 4s;
+constexpr auto connectionsCheckDelay = 500ms;
 
 }  // namespace
 
@@ -30,7 +31,10 @@ Workspace::Workspace(WorkspaceServices services, QObject* parent)
     if (m_preferences) restore();
     m_assistants.refreshProviders();
     m_files.refreshFiles();
-    if (m_preferences) m_assistants.checkConnections();
+    // The assistants' own programs are heavy; they must not run against the window's first picture.
+    if (m_preferences) {
+        m_services.clock.after(connectionsCheckDelay, this, [this] { m_assistants.checkConnections(); });
+    }
 }
 
 Workspace::~Workspace() = default;

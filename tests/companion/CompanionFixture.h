@@ -27,7 +27,7 @@ protected:
                 .microphone = m_microphone,
                 .recognition = m_recognition,
                 .synthesizer = m_synthesizer,
-                .builtInPet = m_builtInPet,
+                .builtInPet = [this] { return m_builtInPet; },
                 .locale = text("en_GB")};
     }
     /// Lets what arrived from other threads through.

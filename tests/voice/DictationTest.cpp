@@ -43,7 +43,7 @@ protected:
                 .microphone = m_voice.microphone(),
                 .recognition = m_voice.recognition(),
                 .synthesizer = m_voice.synthesizer(),
-                .builtInPet = nullptr,
+                .builtInPet = [] { return nullptr; },
                 .locale = QString::fromUtf8(locale)};
     }
     /// Says `sentence` aloud, once; over when this returns.
@@ -260,7 +260,7 @@ TEST_F(DictationTest, ASoundServerThatHangsHoldsUpNothing) {
                               .microphone = voice.microphone(),
                               .recognition = voice.recognition(),
                               .synthesizer = voice.synthesizer(),
-                              .builtInPet = nullptr,
+                              .builtInPet = [] { return nullptr; },
                               .locale = QStringLiteral("en_US")});
         kill(server, SIGSTOP);
         timer.start();

@@ -58,7 +58,7 @@ void HeroArt::paintEvent(QPaintEvent*) {
     QPainterPath front;
     front.arcMoveTo(box, 180);
     front.arcTo(box, 180, 180);
-    const QPainterPath ring = brand::ringBehind(front, {QPointF(), 28.5, 19.5}, 8);
+    static const QPainterPath ring = brand::ringBehind(front, {QPointF(), 28.5, 19.5}, 8);
     painter.fillPath(ring, toQColor(roles.text));
     painter.strokePath(front, QPen(toQColor(roles.accent), 2.5, Qt::SolidLine, Qt::RoundCap));
 

@@ -41,7 +41,7 @@ QPainterPath orbitBehind() {
 
 QPainterPath ringBehind(const QPainterPath& front, const Ring& ring, double gap) {
     // Qt flattens curves to cut them; done at many times the size, the corners are too small to be seen.
-    constexpr double fine = 32;
+    constexpr double fine = 12;
     QPainterPath outline;
     outline.addEllipse(ring.center * fine, ring.outer * fine, ring.outer * fine);
     QPainterPath hole;
@@ -54,8 +54,10 @@ QPainterPath ringBehind(const QPainterPath& front, const Ring& ring, double gap)
 }
 
 QPainterPath ring() {
-    return ringBehind(orbit(), {{center, center}, ringRadius + ringWidth / 2, ringRadius - ringWidth / 2},
-                      4.4);
+    // Cutting is slow, and the mark stands on every page.
+    static const QPainterPath cut =
+        ringBehind(orbit(), {{center, center}, ringRadius + ringWidth / 2, ringRadius - ringWidth / 2}, 4.4);
+    return cut;
 }
 
 QPointF dot() {

@@ -2,6 +2,7 @@
 
 #include "appearance/controls/OrvoStyle.h"
 
+#include <QEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -28,6 +29,7 @@ void Paragraph::setText(const QString& text) {
     if (text == m_text) return;
     m_text = text;
     setAccessibleName(text);
+    refreshLayout();
     updateGeometry();
     update();
 }
@@ -39,39 +41,54 @@ void Paragraph::setInk(Ink ink) {
 
 void Paragraph::setAlignment(Qt::Alignment alignment) {
     m_alignment = alignment;
+    refreshLayout();
     update();
 }
 
-int Paragraph::layOut(QTextLayout& layout, int width) const {
+void Paragraph::refreshLayout() {
     QString text = m_text;
-    layout.setText(text.replace(u'\n', QChar::LineSeparator));
-    layout.setFont(font());
+    m_layout.setText(text.replace(u'\n', QChar::LineSeparator));
+    m_layout.setFont(font());
     QTextOption option(m_alignment);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
+    m_layout.setTextOption(option);
+    m_layout.setCacheEnabled(true);
+    m_brokenTo = -1;
+}
+
+int Paragraph::layOut(int width) const {
+    const int wanted = std::max(1, width);
+    if (m_brokenTo == wanted) return m_layout.lineCount();
     int lines = 0;
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(std::max(1, width));
+    m_layout.beginLayout();
+    for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
+        line.setLineWidth(wanted);
         const double slack = paragraphPitch(m_type) - line.height();
         line.setPosition({0, lines * paragraphPitch(m_type) + std::floor(slack / 2)});
         ++lines;
     }
-    layout.endLayout();
+    m_layout.endLayout();
+    m_brokenTo = wanted;
     return lines;
 }
 
 int Paragraph::positionAt(const QPoint& point) const {
-    QTextLayout layout;
-    const int lines = layOut(layout, width());
+    const int lines = layOut(width());
     if (lines == 0) return 0;
     const int line = std::clamp(point.y() / paragraphPitch(m_type), 0, lines - 1);
-    return layout.lineAt(line).xToCursor(point.x());
+    return m_layout.lineAt(line).xToCursor(point.x());
 }
 
 int Paragraph::heightForWidth(int width) const {
-    QTextLayout layout;
-    return std::max(1, layOut(layout, width)) * paragraphPitch(m_type);
+    return std::max(1, layOut(width)) * paragraphPitch(m_type);
+}
+
+void Paragraph::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange) {
+        refreshLayout();
+        updateGeometry();
+    }
+    QWidget::changeEvent(event);
 }
 
 QSize Paragraph::sizeHint() const {
@@ -91,9 +108,8 @@ void Paragraph::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     if (!isEnabled()) painter.setOpacity(0.4);
     painter.setPen(inkColor(rolesOf(this), m_ink));
-    QTextLayout layout;
-    layOut(layout, width());
-    layout.draw(&painter, {0, 0}, marks());
+    layOut(width());
+    m_layout.draw(&painter, {0, 0}, marks());
 }
 
 }  // namespace orvo

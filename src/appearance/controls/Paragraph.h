@@ -32,13 +32,18 @@ protected:
     virtual QList<QTextLayout::FormatRange> marks() const { return {}; }
     /// The position in the text that is nearest to a point of the widget.
     int positionAt(const QPoint& point) const;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     /// Breaks the text to `width` and gives the number of lines.
-    int layOut(QTextLayout& layout, int width) const;
+    int layOut(int width) const;
+    void refreshLayout();
 
     QString m_text;
+    /// Keeps the shaped glyphs: a page asks for the height at many widths, and shaping is what costs.
+    mutable QTextLayout m_layout;
+    mutable int m_brokenTo = -1;
     TypeRole m_type;
     Ink m_ink;
     Qt::Alignment m_alignment = Qt::AlignLeft;
