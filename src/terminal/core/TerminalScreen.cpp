@@ -163,6 +163,9 @@ void TerminalScreen::printAsciiInModes(std::string_view text) {
 const char* TerminalScreen::printText(const char* position, const char* end) {
     constexpr int longestAscii = 16;
     if (m_textInModes || m_columns < 2) return position;
+    // A scalar between two sequences is no run.
+    const int firstLength = Utf8Decoder::lengthFor(*position);
+    if (end - position <= firstLength || position[firstLength] == '\x1B') return position;
     const char* const start = position;
     CellVector cell = vectorOf(m_style.cell);
     const CellVector second = vectorOf(continuationOf(m_style.cell));

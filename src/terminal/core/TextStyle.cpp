@@ -44,7 +44,7 @@ std::uint8_t component(int parameter) {
 }
 
 /// Reads the colour behind a 38, 48 or 58 at the front of `parameters`, and returns how many of them it took.
-std::size_t extendedColor(std::span<const int> parameters, CellColor& color) {
+inline std::size_t extendedColor(std::span<const int> parameters, CellColor& color) {
     if (parameters.size() > 2 && parameters[1] == 5) {
         color = indexedColor(parameters[2]);
         return 3;
