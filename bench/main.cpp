@@ -164,7 +164,7 @@ void measureShares() {
     Mean small;
     double least = 1e9;
     std::string weakest;
-    for (const auto &[rows, columns] : {std::pair(24, 80), std::pair(50, 200)}) {
+    for (const auto& [rows, columns] : {std::pair(24, 80), std::pair(50, 200)}) {
         for (const Payload& payload : payloads(rows, columns)) {
             const Feed screen = feedOf<TerminalScreen>(rows, columns);
             const double share =
@@ -181,8 +181,7 @@ void measureShares() {
 
     // The same lines on both, so that only the size differs.
     const std::vector<Payload> lines = payloads(24, 80);
-    const auto scrolling =
-        std::ranges::find(lines, "scrolling", &Payload::name);
+    const auto scrolling = std::ranges::find(lines, "scrolling", &Payload::name);
     const Feed large = feedOf<TerminalScreen>(50, 200);
     const Feed little = feedOf<TerminalScreen>(24, 80);
     std::printf("scrolling at 50 x 200 beside 24 x 80: %.2f of the speed; goal 0.65\n",

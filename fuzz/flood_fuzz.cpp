@@ -5,6 +5,7 @@
 #include "fuzz/FuzzInput.h"
 #include "terminal/core/TerminalScreen.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <memory>
@@ -67,6 +68,8 @@ using orvo::fuzz::require;
 
 constexpr int mostRows = 30;
 constexpr int mostColumns = 80;
+/// Each looks at every line of the scrollback, in builds that check themselves.
+constexpr std::size_t mostResizes = 500;
 /// Of one allocation beside its content.
 constexpr std::size_t overhead = 32;
 /// A string that grew to hold a scalar too many has room for twice as many.
@@ -115,9 +118,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         rows = input.between(3, mostRows);
         columns = input.between(10, mostColumns);
     }
-    const auto resizeEvery = static_cast<std::size_t>(input.between(1, 255));
+    const auto wantedEvery = static_cast<std::size_t>(input.between(1, 255));
     const std::string_view piece = input.rest();
     if (piece.empty()) return 0;
+    const std::size_t resizeEvery = std::max(wantedEvery, length / piece.size() / mostResizes);
 
     const std::size_t before = allocated;
     const auto screen = std::make_unique<TerminalScreen>(sizes[0][0], sizes[0][1]);

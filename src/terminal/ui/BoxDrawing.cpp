@@ -46,6 +46,7 @@ public:
           m_light(std::max(1, static_cast<int>(std::lround(lineWidth * scale)))) {}
 
     void paint(char32_t character) {
+        if (character < 0x2500) return scanLine(character);
         if (character >= 0x2580) return block(character);
         if (const unsigned weights = arms[character - 0x2500]; weights != 0) return lines(weights);
         if (character >= 0x2571 && character <= 0x2573) return diagonals(character);
@@ -64,6 +65,12 @@ private:
     int thickness(unsigned weight) const { return weight == Heavy ? 2 * m_light + m_light % 2 : m_light; }
     /// Where a line of some thickness begins so that lines of all weights have one axis.
     int centred(int extent, int thick) const { return (extent - thick) / 2; }
+
+    /// The first, third, seventh or ninth of nine that fill a cell; the fifth is the light horizontal line.
+    void scanLine(char32_t character) {
+        constexpr std::array<int, 4> quarters = {0, 1, 3, 4};
+        fill(0, (m_height - m_light) * quarters[character - 0x23BA] / 4, m_width, m_light);
+    }
 
     void lines(unsigned weights) {
         const unsigned up = weights & 3, right = weights >> 2 & 3, down = weights >> 4 & 3,

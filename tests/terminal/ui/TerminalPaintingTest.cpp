@@ -8,6 +8,7 @@
 #include <cmath>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvo {
 namespace {
@@ -150,6 +151,27 @@ TEST(TerminalPainting, BoxLinesJoinWithoutGaps) {
     }
     EXPECT_EQ(across, int(12 * cells.cellWidth));
     EXPECT_EQ(down, 2 * cells.lineHeight);
+}
+
+TEST(TerminalPainting, ScanLinesAreAtTheirHeights) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    terminal.session.screen().feed("\x1B(0opqrs");
+    const QImage image = imageOf(terminal.view);
+    const CellGeometry& cells = terminal.view.geometryOfCells();
+    std::vector<int> heights;
+    for (int column = 0; column < 5; ++column) {
+        const QRect cell = cells.around(0, column);
+        int top = cell.top();
+        while (top <= cell.bottom() && image.pixel(cell.center().x(), top) != defaultText)
+            ++top;
+        heights.push_back(top - cells.lineY(0));
+    }
+    const int last = cells.lineHeight - 1;
+    EXPECT_EQ(heights.front(), 0);
+    EXPECT_EQ(heights.back(), last);
+    for (int column = 1; column < 4; ++column)
+        EXPECT_NEAR(heights[static_cast<std::size_t>(column)], last * column / 4, 1) << column;
 }
 
 TEST(TerminalPainting, WideCharactersStayInTheirTwoCells) {
