@@ -35,6 +35,7 @@ bench: ## speed beside everyday peers, as tables: interpreter, editor, team runs
 	@scripts/install-deps bench
 	@$(MAKE) --no-print-directory build BENCH=1
 	@$(RELEASE)/orvo_bench
+	@SCREEN=1920x1200 tests/e2e/with_display $(RELEASE)/orvo_terminal_window_bench
 	@$(RELEASE)/orvo_editor_bench
 	@$(RELEASE)/orvo_team_runs_bench
 	@xvfb-run -a -s '-screen 0 1600x1000x24' dbus-run-session -- $(RELEASE)/orvo_startup_bench

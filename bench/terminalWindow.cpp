@@ -118,7 +118,8 @@ struct Window {
         view.setFocus();
         loopUntil([this] { return !view.painted.empty() && view.hasFocus(); });
         rest(200);
-        std::printf("# %d x %d cells\n", session.screen().rows(), session.screen().columns());
+        if (session.screen().rows() != rows || session.screen().columns() != columns)
+            std::puts("the display is too small for 50 x 200 cells");
     }
 
     Theme theme{nullptr};
@@ -147,7 +148,7 @@ void measureMemory(const char* name, const char* goal, const std::function<void(
     session.resize(rows, columns);
     fill(session.screen());
     session.screen().compact();
-    std::printf("%-52s %9.2f MiB                  goal %s\n", name, mebibytesAllocated() - before, goal);
+    std::printf("%-52s %9.3f MiB                  goal %s\n", name, mebibytesAllocated() - before, goal);
 }
 
 void measureMemory() {
@@ -286,7 +287,10 @@ void measureEcho() {
 
 double secondsInOurWindow(const QString& command, Times& gaps) {
     Window window(command);
-    window.view.painted.clear();
+    // Before the first output the shell starts, and nothing is to be painted.
+    QObject::connect(
+        &window.session, &TerminalSession::revisionChanged, &window.view,
+        [&window] { window.view.painted.clear(); }, Qt::SingleShotConnection);
     const double seconds = secondsToRun(window.session);
     for (std::size_t index = 1; index < window.view.painted.size(); ++index)
         gaps.values.push_back(window.view.painted[index] - window.view.painted[index - 1]);

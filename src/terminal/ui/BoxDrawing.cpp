@@ -47,6 +47,7 @@ public:
 
     void paint(char32_t character) {
         if (character < 0x2500) return scanLine(character);
+        if (character >= 0x2800) return braille(character - 0x2800);
         if (character >= 0x2580) return block(character);
         if (const unsigned weights = arms[character - 0x2500]; weights != 0) return lines(weights);
         if (character >= 0x2571 && character <= 0x2573) return diagonals(character);
@@ -207,6 +208,20 @@ private:
         if (character == 0x2594) return fill(0, 0, m_width, part(m_height, 1));
         if (character == 0x2595) return fill(m_width - part(m_width, 1), 0, part(m_width, 1), m_height);
         quadrants(character);
+    }
+
+    /// Dots at the middles of two by four equal parts, so that they lie as evenly across cells as within one.
+    void braille(char32_t dots) {
+        // Bits 0 to 2 go down the left side, 3 to 5 down the right, 6 and 7 are the lowest ones.
+        constexpr std::array<int, 8> columns = {0, 0, 0, 1, 1, 1, 0, 1};
+        constexpr std::array<int, 8> rows = {0, 1, 2, 0, 1, 2, 3, 3};
+        const int size =
+            std::max(1, static_cast<int>(std::lround(0.55 * std::min(m_width / 2.0, m_height / 4.0))));
+        for (std::size_t dot = 0; dot < columns.size(); ++dot) {
+            if ((dots >> dot & 1) == 0) continue;
+            fill((m_width * (2 * columns[dot] + 1) - 2 * size) / 4,
+                 (m_height * (2 * rows[dot] + 1) - 4 * size) / 8, size, size);
+        }
     }
 
     void quadrants(char32_t character) {

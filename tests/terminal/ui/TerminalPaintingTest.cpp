@@ -174,6 +174,28 @@ TEST(TerminalPainting, ScanLinesAreAtTheirHeights) {
         EXPECT_NEAR(heights[static_cast<std::size_t>(column)], last * column / 4, 1) << column;
 }
 
+TEST(TerminalPainting, BrailleDotsAreAtTheirPlaces) {
+    RunningTerminal terminal;
+    imageOf(terminal.view);
+    // One dot each, from bit 0 to bit 7, with a blank between them.
+    terminal.session.screen().feed("⠁ ⠂ ⠄ ⠈ ⠐ ⠠ ⡀ ⢀");
+    const QImage image = imageOf(terminal.view);
+    constexpr std::pair<int, int> places[] = {{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 1}, {1, 2}, {0, 3}, {1, 3}};
+    for (int dot = 0; dot < 8; ++dot) {
+        const QImage cell = cellOf(terminal.view, image, 0, 2 * dot);
+        QRect ink;
+        for (int y = 0; y < cell.height(); ++y) {
+            for (int x = 0; x < cell.width(); ++x) {
+                if (cell.pixel(x, y) != background) ink |= QRect(x, y, 1, 1);
+            }
+        }
+        const auto [column, row] = places[dot];
+        EXPECT_FALSE(ink.isEmpty()) << dot;
+        EXPECT_NEAR(QRectF(ink).center().x(), cell.width() * (2 * column + 1) / 4.0, 1.5) << dot;
+        EXPECT_NEAR(QRectF(ink).center().y(), cell.height() * (2 * row + 1) / 8.0, 1.5) << dot;
+    }
+}
+
 TEST(TerminalPainting, WideCharactersStayInTheirTwoCells) {
     RunningTerminal terminal;
     imageOf(terminal.view);
