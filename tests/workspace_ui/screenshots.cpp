@@ -240,6 +240,9 @@ private:
 
     /// As a press of the key would reach a widget of the active window, shortcuts first.
     static void pressKey(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        // The companion's windows may have come to the front since.
+        widget.window()->activateWindow();
+        (void)QTest::qWaitForWindowActive(widget.window());
         QTest::keyClick(&widget, key, modifiers);
     }
 
