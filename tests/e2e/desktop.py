@@ -19,14 +19,15 @@ def wait_for(what, condition, limit=LIMIT):
     """The first true value of `condition`, or a failure that says what was waited for."""
     end = time.monotonic() + limit
     while True:
+        trouble = None
         try:
             value = condition()
-        except Exception:  # a control that went away while it was asked: ask again
-            value = None
+        except Exception as error:  # a control that went away while it was asked: ask again
+            value, trouble = None, error
         if value:
             return value
         if time.monotonic() > end:
-            raise AssertionError(f"waited {limit} s in vain for {what}")
+            raise AssertionError(f"waited {limit} s in vain for {what}") from trouble
         time.sleep(0.05)
 
 

@@ -7,11 +7,11 @@ import tempfile
 from desktop import Program, press_key, wait_for
 
 
-def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None):
+def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None, leave=lambda _: press_key("ctrl+q")):
     """Opens the program on a project, walks `road(program, project)`, and quits it as a person does.
 
     `assistant` is the script that both assistants are, with NAME for the name of the tool. `prepare(root)` adds to
-    the folder in which home and project lie.
+    the folder in which home and project lie, `leave(program)` asks the program to quit.
     """
     root = pathlib.Path(tempfile.mkdtemp())
     project = make_home(root, assistant)
@@ -26,7 +26,7 @@ def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None):
     program = Program(binary, pictures, ["--workspace", str(project)])
     try:
         road(program, project)
-        quit_program(program)
+        quit_program(program, leave)
     except BaseException:
         program.picture("failed")
         tell_of_faults(root)
@@ -55,8 +55,8 @@ def make_home(root, assistant):
     return project
 
 
-def quit_program(program):
-    press_key("ctrl+q")
+def quit_program(program, leave):
+    leave(program)
     status = wait_for("the end of the program", lambda: program.process.poll() is not None and [program.process.poll()])
     assert status == [0], f"exit status {status}"
     assert program.standard_error() == "", "said on standard error:\n" + program.standard_error()

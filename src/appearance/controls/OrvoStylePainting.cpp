@@ -5,6 +5,7 @@
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
 
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QComboBox>
 #include <QMenu>
@@ -352,7 +353,9 @@ void OrvoStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
 }
 
 QRect OrvoStyle::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const {
-    if (element == SE_LineEditContents) {
+    // The field inside a spin box is as wide as its number needs.
+    const bool isInSpinBox = widget && qobject_cast<const QAbstractSpinBox*>(widget->parentWidget());
+    if (element == SE_LineEditContents && !isInSpinBox) {
         // QLineEdit adds 2 on both sides by itself; with them the text stands 10 from the edge.
         return option->rect.adjusted(8, 1, -8, -1);
     }

@@ -22,11 +22,26 @@
 namespace orvo {
 namespace {
 
-/// Whatever is pressed and shows its title.
+/// Whatever is pressed and shows its title. Qt's own waits a tenth of a second, in which a press of the next
+/// control overtakes it.
 class PressableInterface : public QAccessibleWidget {
 public:
     PressableInterface(Pressable* control, QAccessible::Role role)
         : QAccessibleWidget(control, role, control->title()) {}
+
+    /// Asked each time: an interface may be made before its control is.
+    QAccessible::Role role() const override {
+        if (!control()->isCheckable()) return QAccessibleWidget::role();
+        return control()->autoExclusive() ? QAccessible::RadioButton : QAccessible::CheckBox;
+    }
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = control()->isCheckable();
+        state.checked = control()->isChecked();
+        state.pressed = control()->isDown();
+        return state;
+    }
 
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Name && widget()->accessibleName().isEmpty()) return control()->title();
@@ -34,12 +49,18 @@ public:
     }
 
     QStringList actionNames() const override {
-        return QStringList{pressAction()} + QAccessibleWidget::actionNames();
+        const QString own = control()->isCheckable() ? toggleAction() : pressAction();
+        return QStringList{own} + QAccessibleWidget::actionNames();
     }
 
     void doAction(const QString& action) override {
-        if (action == pressAction()) {
-            if (widget()->isEnabled()) control()->click();
+        if (action == toggleAction()) {
+            if (widget()->isEnabled()) control()->toggle();
+        } else if (action == pressAction()) {
+            // Once the caller has its answer: a press may ask the person something.
+            if (widget()->isEnabled()) {
+                QMetaObject::invokeMethod(control(), &QAbstractButton::click, Qt::QueuedConnection);
+            }
         } else {
             QAccessibleWidget::doAction(action);
         }
@@ -56,7 +77,7 @@ public:
         : PressableInterface(control, role), m_isCurrent(isCurrent) {}
 
     QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
+        QAccessible::State state = PressableInterface::state();
         state.selectable = true;
         state.selected = m_isCurrent(widget());
         return state;
@@ -72,8 +93,14 @@ public:
     explicit DisclosureInterface(Disclosure* row)
         : PressableInterface(row, QAccessible::Button), m_row(row) {}
 
+    QAccessible::Role role() const override { return QAccessible::Button; }
+
+    QStringList actionNames() const override {
+        return QStringList{pressAction()} + QAccessibleWidget::actionNames();
+    }
+
     QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
+        QAccessible::State state = PressableInterface::state();
         state.checkable = false;
         state.checked = false;
         state.expandable = true;
@@ -93,7 +120,7 @@ public:
     explicit MenuButtonInterface(OrvoButton* button) : PressableInterface(button, QAccessible::Button) {}
 
     QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
+        QAccessible::State state = PressableInterface::state();
         state.hasPopup = true;
         return state;
     }
@@ -154,10 +181,23 @@ private:
     QComboBox* picker() const { return static_cast<QComboBox*>(widget()); }
 };
 
+/// What has a name of its own and is none of Qt's controls: a window, a group of controls, or a picture.
+QAccessible::Role roleOfNamed(const QWidget& widget) {
+    if (widget.isWindow()) return QAccessible::Window;
+    return widget.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly) ? QAccessible::Grouping
+                                                                             : QAccessible::Graphic;
+}
+
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
     // Qt's own crashes when it is asked for a child that has just gone, as its scroll bars come and go.
     if (className == QLatin1String("QScrollArea") || className == QLatin1String("QAbstractScrollArea")) {
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Client);
+    }
+    if (className == QLatin1String("QWidget")) {
+        // Screen readers pass over what Qt calls a mere client.
+        auto* const widget = static_cast<QWidget*>(object);
+        if (widget->accessibleName().isEmpty()) return nullptr;
+        return new QAccessibleWidget(widget, roleOfNamed(*widget));
     }
     if (auto* list = qobject_cast<RowList*>(object)) return new RowListAccessible(list);
     if (auto* row = qobject_cast<NavRow*>(object)) {
@@ -176,6 +216,9 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
     if (auto* row = qobject_cast<Disclosure*>(object)) return new DisclosureInterface(row);
     if (auto* button = qobject_cast<OrvoButton*>(object); button && button->menu()) {
         return new MenuButtonInterface(button);
+    }
+    if (auto* control = qobject_cast<Pressable*>(object)) {
+        return new PressableInterface(control, QAccessible::Button);
     }
     if (qobject_cast<Paragraph*>(object) || qobject_cast<StatusPill*>(object) ||
         qobject_cast<HeaderPill*>(object)) {

@@ -19,7 +19,8 @@ void ColorWell::setColor(const QColor& color) {
     m_color = color;
     // For who cannot see it.
     setAccessibleDescription(color.name().toUpper());
-    if (m_picker) {
+    // A colour that comes from the picker must not go back: it would rewrite the digits that are being typed.
+    if (m_picker && m_picker->currentColor() != color) {
         const QSignalBlocker quiet(m_picker);
         m_picker->setCurrentColor(color);
     }
