@@ -98,9 +98,10 @@ int RowListAccessible::childCount() const {
 }
 
 QAccessibleInterface* RowListAccessible::child(int row) const {
-    if (row < 0 || row >= childCount()) return nullptr;
+    // Also a row that has gone since it was counted, which is then not valid: nothing is wrong with who asks.
     const auto known = m_rows.constFind(row);
     if (known != m_rows.constEnd()) return QAccessible::accessibleInterface(*known);
+    if (row < 0 || row >= childCount()) return nullptr;
     auto* const interface = new RowAccessible(&list(), row);
     m_rows.insert(row, QAccessible::registerAccessibleInterface(interface));
     return interface;
