@@ -2,7 +2,7 @@
 JOBS ?= $(shell n=$$(nproc); [ $$n -gt 3 ] && n=3; echo $$n)
 RELEASE := build/release/bin
 .DEFAULT_GOAL := help
-.PHONY: help build run test test-asan test-tsan fuzz bench lint format package screenshots clean
+.PHONY: help build run test test-asan test-tsan soak fuzz bench lint format package screenshots clean
 
 help: ## this list
 	@grep -E '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:.*## /\t/' | expand -t 16
@@ -26,6 +26,10 @@ test-asan: ## the models under the address and undefined-behaviour sanitizers
 test-tsan: ## the Qt-free core under the thread sanitizer
 	@scripts/install-deps test
 	@scripts/test tsan
+
+soak: ## a long day of work and 200 kills in the middle of it, in the real window; about half an hour
+	@scripts/install-deps test
+	@scripts/soak
 
 fuzz: ## hostile input for the terminal and the plan reader, FUZZ_SECONDS (120) a target
 	@scripts/install-deps lint

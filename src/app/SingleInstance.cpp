@@ -69,14 +69,30 @@ bool handOver(const FilePath& socket, const StartRequest& request, const QDeadli
     return connection.readAll() == taken;
 }
 
-/// An open lock, or nothing while another process holds it.
-Result<std::optional<FileDescriptor>> lock(const FilePath& file) {
+struct Lock {
+    enum class State { Held, HeldByAnother, Impossible };
+
+    FileDescriptor file;
+    State state;
+};
+
+/// Impossible where the file system knows no locks, as some network homes do.
+Result<Lock> lock(const FilePath& file) {
     FileDescriptor descriptor(
         open(file.bytes().constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!descriptor.isOpen()) return systemFailure(errno, file);
-    if (flock(descriptor.number(), LOCK_EX | LOCK_NB) == 0) return std::optional(std::move(descriptor));
-    if (errno != EWOULDBLOCK) return systemFailure(errno, file);
-    return std::optional<FileDescriptor>();
+    if (flock(descriptor.number(), LOCK_EX | LOCK_NB) == 0)
+        return Lock{std::move(descriptor), Lock::State::Held};
+    switch (errno) {
+        case EWOULDBLOCK:
+            return Lock{std::move(descriptor), Lock::State::HeldByAnother};
+        case ENOLCK:
+        case ENOSYS:
+        case EOPNOTSUPP:
+            return Lock{std::move(descriptor), Lock::State::Impossible};
+        default:
+            return systemFailure(errno, file);
+    }
 }
 
 }  // namespace
@@ -84,8 +100,8 @@ Result<std::optional<FileDescriptor>> lock(const FilePath& file) {
 SingleInstance::SingleInstance(FileDescriptor lock, const FilePath& socket) : m_lock(std::move(lock)) {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::receive);
-    // Whoever left a socket here is gone: we hold the lock. Without a socket this run works all the same,
-    // only that a later start cannot reach it.
+    // Whoever left a socket here is gone: we hold the lock, or it did not answer. Without a socket this run
+    // works all the same, only that a later start cannot reach it.
     QLocalServer::removeServer(socket.display());
     m_server.listen(socket.display());
 }
@@ -98,12 +114,14 @@ Result<SingleInstance::Claim> SingleInstance::claim(const FilePath& folder, cons
     const FilePath socket = folder.child("orvo-ai.socket");
     const QDeadlineTimer deadline(patience);
     while (true) {
-        Result<std::optional<FileDescriptor>> place = lock(folder.child("orvo-ai.lock"));
+        Result<Lock> place = lock(folder.child("orvo-ai.lock"));
         if (!place) return tl::unexpected(place.error());
-        if (std::optional<FileDescriptor>& held = *place) {
-            return Claim(std::unique_ptr<SingleInstance>(new SingleInstance(*std::move(held), socket)));
+        // Without locks whoever answers at the socket was first.
+        if (place->state != Lock::State::Held && handOver(socket, request, deadline))
+            return Claim(HandedOver());
+        if (place->state != Lock::State::HeldByAnother) {
+            return Claim(std::unique_ptr<SingleInstance>(new SingleInstance(std::move(place->file), socket)));
         }
-        if (handOver(socket, request, deadline)) return Claim(HandedOver());
         if (deadline.hasExpired()) {
             return failure(QStringLiteral("Orvo"), tr("Orvo AI is running already, but does not answer."));
         }

@@ -405,12 +405,37 @@ def log_out(home):
     assert text_of(program.find("text", "Code editor")) == "# Harbor notes\nhalf a thought"
 
 
+ONE_FONT = """<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig><dir>/usr/share/fonts/truetype/jetbrains-mono</dir></fontconfig>"""
+
+
+def poor_surroundings(home):
+    """The window opens and works all the same."""
+    # No locks in the home: the second start still finds the first.
+    first = home.start("--workspace", str(home.project), environment={"LD_PRELOAD": NO_LOCKS})
+    done = subprocess.run([BINARY], stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
+                          env={**os.environ, "LD_PRELOAD": NO_LOCKS})
+    assert (done.returncode, done.stdout, done.stderr) == (0, b"", b""), done
+    first.process.kill()
+    first.process.wait()
+    (home.root / "fonts.conf").write_text(ONE_FONT)
+    for environment in ({"LD_PRELOAD": NO_LOCKS},
+                        {"FONTCONFIG_FILE": str(home.root / "fonts.conf")},
+                        {"XDG_RUNTIME_DIR": "/nonexistent"}):
+        program = home.start("--workspace", str(home.project), "--new-terminal", environment=environment)
+        terminal = program.find("terminal")
+        wait_for("the prompt", lambda: text_of(terminal).strip())
+        program.process.terminate()
+        assert wait_until_ended(program) == 0
+        assert program.standard_error() == "", program.standard_error()
+
+
 SCENARIOS = [menus, second_start, capture_beside_a_window, killed_instance, children_environment, quit_with_sessions, escaped_program,
-             log_out, unsaved_text]
+             log_out, unsaved_text, poor_surroundings]
 
 
 if __name__ == "__main__":
-    BINARY, pictures, name, SESSION_MANAGER = sys.argv[1:]
+    BINARY, pictures, name, SESSION_MANAGER, NO_LOCKS = sys.argv[1:]
     PICTURES = pathlib.Path(pictures)
     shutil.rmtree(PICTURES, ignore_errors=True)
     (scenario,) = [scenario for scenario in SCENARIOS if scenario.__name__ == name]
