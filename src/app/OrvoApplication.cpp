@@ -7,6 +7,7 @@
 #include "companion/ui/CompanionController.h"
 #include "companion/ui/builtInPet.h"
 #include "platform/EscapedPrograms.h"
+#include "platform/runInBackground.h"
 #include "platform/saveAtomically.h"
 #include "workspace/SessionNotices.h"
 #include "workspace/WorkspaceMacActions.h"
@@ -18,6 +19,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
+#include <QImage>
 #include <QLocale>
 #include <QMenuBar>
 #include <QPixmap>
@@ -44,6 +46,16 @@ constexpr auto companionDelay = 100ms;
 
 constexpr std::array capturedPages = {Destination::Workspace, Destination::Agents, Destination::Appearance,
                                       Destination::Mac,       Destination::Files,  Destination::Settings};
+
+/// Any thread.
+Result<void> writePicture(const QImage& picture, const FilePath& file) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!picture.save(&buffer, "PNG")) {
+        return failure(QStringLiteral("Orvo"), OrvoApplication::tr("The picture could not be made."));
+    }
+    return saveAtomically(file, png, {.newFile = SaveOptions::NewFile::AsUserWants});
+}
 
 }  // namespace
 
@@ -274,8 +286,13 @@ void OrvoApplication::saveFile() {
 void OrvoApplication::exportPreview() {
     const auto file = m_services.dialogs.saveFile(QStringLiteral("Orvo-Preview.png"), m_workspace.folder());
     if (!file) return;
-    m_workspace.notify(captureWindow(*file) ? tr("Interface preview exported.")
-                                            : tr("Could not export the preview."));
+    // Writing a picture takes longer than a frame.
+    runInBackground(
+        this, [picture = pictureOfWindow(), file = *file] { return writePicture(picture, file); },
+        [this](const Result<void>& written) {
+            m_workspace.notify(written ? tr("Interface preview exported.")
+                                       : tr("Could not export the preview."));
+        });
 }
 
 void OrvoApplication::minimize() {
@@ -335,14 +352,8 @@ void OrvoApplication::end() {
     Q_EMIT ended();
 }
 
-Result<void> OrvoApplication::captureWindow(const FilePath& file) const {
-    if (!m_root) return failure(QStringLiteral("Orvo"), tr("There is no window."), 1);
-    QByteArray png;
-    QBuffer buffer(&png);
-    if (!m_root->grab().save(&buffer, "PNG")) {
-        return failure(QStringLiteral("Orvo"), tr("The picture could not be made."), 2);
-    }
-    return saveAtomically(file, png, {.newFile = SaveOptions::NewFile::AsUserWants});
+QImage OrvoApplication::pictureOfWindow() const {
+    return m_root ? m_root->grab().toImage() : QImage();
 }
 
 void OrvoApplication::capturePages() {
@@ -356,7 +367,8 @@ void OrvoApplication::capturePage(std::size_t index) {
     const Destination page = capturedPages.at(index);
     m_workspace.setDestination(page);
     m_services.clock.after(capturePageDelay, this, [this, index, page] {
-        const auto written = captureWindow(m_options.capture->child(textOf(page).toUtf8() + ".png"));
+        const auto written =
+            writePicture(pictureOfWindow(), m_options.capture->child(textOf(page).toUtf8() + ".png"));
         if (!written) {
             std::fprintf(stdout, "Capture error: %s\n", qUtf8Printable(written.error().message));
         }

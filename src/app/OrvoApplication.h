@@ -9,6 +9,7 @@
 #include "platform/AppFolders.h"
 #include "workspace/Workspace.h"
 
+#include <QImage>
 #include <QObject>
 
 #include <memory>
@@ -96,15 +97,14 @@ public:
     /// Keeps the editor's unsaved text for a next start, should the system end this run.
     void keepUnsavedText();
 
-    /// Writes a picture of the window's content as PNG.
-    Result<void> captureWindow(const FilePath& file) const;
-
 Q_SIGNALS:
     /// All sessions are stopped; the process may exit.
     void ended();
 
 private:
     bool isTransient() const { return m_services.preferences == nullptr; }
+    /// Of the window's content; null while there is no window.
+    QImage pictureOfWindow() const;
     void openFirstProject();
     void startCompanion();
     void closeWindow();

@@ -396,12 +396,15 @@ TEST_F(OrvoApplicationTest, exportsAPictureOfTheWindow) {
     m_dialogs.chooseFile(FilePath::fromString(path));
     menuItem(QStringLiteral("File"), QStringLiteral("Export Interface Preview…"))->trigger();
     EXPECT_EQ(m_dialogs.savePanels().last().proposedName, QStringLiteral("Orvo-Preview.png"));
+    const auto told = [this](const QString& sentence) {
+        return test::waitFor([&] { return m_application->workspace().toast() == sentence; });
+    };
+    EXPECT_TRUE(told(QStringLiteral("Interface preview exported.")));
     EXPECT_EQ(QImage(path).size(), m_application->window()->centralWidget()->size());
-    EXPECT_EQ(m_application->workspace().toast(), QStringLiteral("Interface preview exported."));
 
     m_dialogs.chooseFile(FilePath::fromString(m_folder.filePath(QStringLiteral("missing/preview.png"))));
     m_application->exportPreview();
-    EXPECT_EQ(m_application->workspace().toast(), QStringLiteral("Could not export the preview."));
+    EXPECT_TRUE(told(QStringLiteral("Could not export the preview.")));
 }
 
 TEST_F(OrvoApplicationTest, capturesSixPagesAndEnds) {

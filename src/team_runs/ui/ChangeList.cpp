@@ -78,9 +78,11 @@ private:
 
 }  // namespace
 
-ChangeModel::ChangeModel(CopyReview& review, QObject* parent) : QAbstractListModel(parent), m_review(review) {
+ChangeModel::ChangeModel(CopyReview& review, QObject* parent)
+    : QAbstractListModel(parent), m_review(review), m_rows(static_cast<int>(review.changes().size())) {
     connect(&review, &CopyReview::changesChanged, this, [this] {
         beginResetModel();
+        m_rows = static_cast<int>(m_review.changes().size());
         endResetModel();
     });
     connect(&review, &CopyReview::selectionChanged, this, [this] {
@@ -89,7 +91,7 @@ ChangeModel::ChangeModel(CopyReview& review, QObject* parent) : QAbstractListMod
 }
 
 int ChangeModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_review.changes().size());
+    return parent.isValid() ? 0 : m_rows;
 }
 
 QVariant ChangeModel::data(const QModelIndex& index, int role) const {

@@ -24,6 +24,8 @@ public:
 
 private:
     CopyReview& m_review;
+    /// As listeners know it: the review may have changed a moment before they are told.
+    int m_rows = 0;
 };
 
 /// The list of changes: a box to tick each of them, and a click on a row compares its file. Thousands of rows
