@@ -38,6 +38,8 @@ constexpr std::size_t block = 8;
 constexpr std::uint8_t joiningProperties =
     NonspacingMark | Emoji | EmojiModifier | RegionalIndicator | Joiner | Tag;
 
+constexpr char32_t emojiPresentation = 0xFE0F;
+
 /// The second cell of a wide character.
 TerminalCell continuationOf(const TerminalCell& style) {
     TerminalCell second = style;
@@ -158,8 +160,16 @@ void TerminalScreen::printAsciiInModes(std::string_view text) {
     }
 }
 
-/// Writes scalars that only take cells, up to the end of a line. What needs more than that is left: marks,
-/// malformed bytes, long runs of ASCII, for which there is a faster way.
+/// Joins a mark to the character that ends before `column`, up to which its line has just been written.
+void TerminalScreen::joinWritten(int column, char32_t mark) {
+    TerminalRow& line = cursorLine();
+    line.written(column, nextStamp());
+    const int last = column - 1;
+    line.join(last > 0 && line.continuation(last) ? last - 1 : last, mark, m_stamp);
+}
+
+/// Writes scalars that only take cells, and marks on them, up to the end of a line. What needs more than that
+/// is left: clusters, malformed bytes, long runs of ASCII, for which there is a faster way.
 const char* TerminalScreen::printText(const char* position, const char* end) {
     constexpr int longestAscii = 16;
     if (m_textInModes || m_columns < 2) return position;
@@ -186,8 +196,16 @@ const char* TerminalScreen::printText(const char* position, const char* end) {
             if (scalar == 0) break;
             properties = characterProperties(scalar);
             const std::uint8_t joining = properties & joiningProperties;
-            // Behind a cell that was written here stands no cluster, the only thing that an emoji joins.
-            if (joining != 0 && (joining != Emoji || (position == start && clusterBefore()))) break;
+            if (joining != 0) [[unlikely]] {
+                if (joining == NonspacingMark && cells != nullptr && scalar != emojiPresentation) {
+                    joinWritten(column, scalar);
+                    position += length;
+                    continue;
+                }
+                // Behind a cell that was written here stands no cluster that ends with a joiner, the only
+                // thing that an emoji joins.
+                if (joining != Emoji || (position == start && clusterBefore())) break;
+            }
         }
         const int width = (properties & Wide) != 0 ? 2 : 1;
         if (column + width > m_columns || (cells == nullptr && m_pendingWrap)) {

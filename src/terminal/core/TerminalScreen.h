@@ -144,6 +144,7 @@ private:
     bool joinPrevious(char32_t scalar, std::uint8_t properties);
     bool joinsCell(const TerminalRow& line, int column, char32_t scalar, std::uint8_t properties) const;
     void widenPrevious(int column);
+    void joinWritten(int column, char32_t mark);
     void repeatLast(int count);
     void lineFeed();
     void scrollUp();
