@@ -130,28 +130,32 @@ using Answers = std::vector<SystemResult<std::optional<FileChange>>>;
 
 /// Each worker writes the answers of its own pairs only.
 void examineAll(const std::vector<Pair>& pairs, int baseline, int result, const std::stop_token& stop,
-                Answers& answers) {
+                const ReadingProgress& progress, Answers& answers) {
     std::atomic<size_t> next{0};
-    const auto work = [&] {
+    std::atomic<size_t> done{0};
+    // One of the workers tells what all of them have done.
+    const auto work = [&](const ReadingProgress& tell) {
         Examiner examiner(baseline, result, stop);
         for (size_t begin = next.fetch_add(batchFiles); begin < pairs.size();
              begin = next.fetch_add(batchFiles)) {
             const size_t end = std::min(begin + batchFiles, pairs.size());
             for (size_t i = begin; i < end && !stop.stop_requested(); ++i)
                 answers[i] = examiner.examine(pairs[i]);
+            const size_t examined = done += end - begin;
+            if (tell) tell(static_cast<int>(examined), static_cast<int>(pairs.size()));
         }
     };
     const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
     std::vector<std::jthread> others;
     for (size_t i = 1; i < threads && i * batchFiles < pairs.size(); ++i)
-        others.emplace_back(work);
-    work();
+        others.emplace_back([&work] { work({}); });
+    work(progress);
 }
 
 }  // namespace
 
 Result<QList<FileChange>> changes(const FilePath& baseline, const FilePath& result,
-                                  const std::stop_token& stop) {
+                                  const std::stop_token& stop, const ReadingProgress& progress) {
     const Result<FileMap> before = files(baseline, stop);
     if (!before) return tl::unexpected<Error>(before.error());
     const Result<FileMap> after = files(result, stop);
@@ -163,7 +167,7 @@ Result<QList<FileChange>> changes(const FilePath& baseline, const FilePath& resu
 
     const std::vector<Pair> pairs = pairsOf(*before, *after);
     Answers answers(pairs.size());
-    examineAll(pairs, baselineRoot->number(), resultRoot->number(), stop, answers);
+    examineAll(pairs, baselineRoot->number(), resultRoot->number(), stop, progress, answers);
     if (stop.stop_requested()) return stopped();
     QList<FileChange> found;
     for (size_t i = 0; i < pairs.size(); ++i) {

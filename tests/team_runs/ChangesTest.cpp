@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <QRandomGenerator>
 
 namespace orvo {
@@ -100,6 +102,23 @@ TEST(Changes, EqualWhatHashingEverythingFinds) {
         }
         EXPECT_EQ(changesOf(tree), expected);
     }
+}
+
+TEST(Changes, TellsHowManyFilesHaveBeenExamined) {
+    Tree tree;
+    for (int i = 0; i < 500; ++i)
+        tree.write("baseline/" + QByteArray::number(i), "low");
+    tree.write("copy/1", "high");
+    QList<int> told;
+    const auto changes =
+        RunFiles::changes(tree.path("baseline"), tree.path("copy"), {}, [&](int files, int all) {
+            EXPECT_EQ(all, 500);
+            told.append(files);
+        });
+    ASSERT_TRUE(changes);
+    ASSERT_FALSE(told.isEmpty());
+    EXPECT_TRUE(std::ranges::is_sorted(told));
+    EXPECT_LE(told.last(), 500);
 }
 
 TEST(Changes, AMissingCopyIsAFailureNotAListOfRemovals) {

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 
 #include <sys/stat.h>
 
@@ -100,6 +101,10 @@ TEST_F(TeamRunsViewTest, ComparesAndAppliesTheFilesThatAreTicked) {
     run({"echo more >> a.txt; echo new > d.txt; rm c.txt; echo done"});
     finish();
     reviewFirst();
+    const auto* const bar = screen().findChild<QProgressBar*>();
+    ASSERT_NE(bar, nullptr);
+    EXPECT_GT(bar->maximum(), 1);
+    EXPECT_EQ(bar->value(), bar->maximum()) << "of the files that were read";
     EXPECT_TRUE(shows(screen(), text("3 changed files")));
     EXPECT_TRUE(shows(screen(), text("Apply selected (0)")));
     ASSERT_TRUE(waitFor([&] { return textOf("After") == text("one\nmore\n"); }));

@@ -7,6 +7,9 @@
 #include "team_runs/Preview.h"
 #include "workspace/Workspace.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+
 #include <algorithm>
 
 namespace orvo {
@@ -28,14 +31,28 @@ void CopyReview::review(const TeamRun& run, const RunCopy& copy) {
     m_stopInspecting = std::stop_source();
     Q_EMIT copyChanged();
     Q_EMIT busyChanged();
+    const auto progress = [review = QPointer(this), token = m_reviewToken](int files, int allFiles) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [review, token, files, allFiles] {
+                if (review) review->reportRead(token, files, allFiles);
+            },
+            Qt::QueuedConnection);
+    };
     runInBackground(
         this,
-        [baseline = run.baseline(), result = copy.directory, stop = m_stopInspecting.get_token()] {
-            return RunFiles::changes(baseline, result, stop);
+        [baseline = run.baseline(), result = copy.directory, stop = m_stopInspecting.get_token(), progress] {
+            return RunFiles::changes(baseline, result, stop, progress);
         },
         [this, token = m_reviewToken](const Result<QList<FileChange>>& changes) {
             if (token == m_reviewToken) show(changes);
         });
+}
+
+void CopyReview::reportRead(quint64 token, int files, int allFiles) {
+    if (token != m_reviewToken || !m_inspecting) return;
+    m_filesToRead = allFiles;
+    if (assign(m_filesRead, files)) Q_EMIT filesReadChanged();
 }
 
 void CopyReview::show(const Result<QList<FileChange>>& changes) {
@@ -55,6 +72,8 @@ void CopyReview::show(const Result<QList<FileChange>>& changes) {
 
 void CopyReview::clear() {
     ++m_reviewToken;
+    m_filesToRead = 0;
+    if (assign(m_filesRead, 0)) Q_EMIT filesReadChanged();
     m_stopInspecting.request_stop();
     const bool hadCopy = m_copy.has_value();
     const bool wasBusy = m_inspecting;

@@ -39,6 +39,9 @@ public:
     const QString& message() const { return m_message; }
     bool inspecting() const { return m_inspecting; }
     bool applying() const { return m_applying; }
+    /// How many files of how many have been read while `inspecting`; none of none before the first are known.
+    int filesRead() const { return m_filesRead; }
+    int filesToRead() const { return m_filesToRead; }
 
     /// Reads what differs between the run's baseline and the copy, in the background.
     void review(const TeamRun& run, const RunCopy& copy);
@@ -59,8 +62,10 @@ Q_SIGNALS:
     void messageChanged();
     /// `inspecting` or `applying` has another value.
     void busyChanged();
+    void filesReadChanged();
 
 private:
+    void reportRead(quint64 token, int files, int allFiles);
     void show(const Result<QList<FileChange>>& changes);
     bool confirm(const QList<FileChange>& chosen);
     void applied(const QList<FileChange>& chosen, const Result<void>& outcome);
@@ -77,6 +82,8 @@ private:
     QString m_message;
     bool m_inspecting = false;
     bool m_applying = false;
+    int m_filesRead = 0;
+    int m_filesToRead = 0;
     /// Of the review on screen; a late answer to another one is dropped.
     quint64 m_reviewToken = 0;
     std::stop_source m_stopInspecting;

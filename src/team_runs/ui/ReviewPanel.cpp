@@ -12,7 +12,10 @@
 #include "team_runs/ui/ChangeList.h"
 #include "team_runs/ui/CopyReview.h"
 
+#include <QProgressBar>
 #include <QStackedWidget>
+
+#include <algorithm>
 
 namespace orvo {
 namespace {
@@ -20,6 +23,8 @@ namespace {
 constexpr int headerHeight = 52;
 constexpr int listWidth = 280;
 constexpr int paneHeaderHeight = 28;
+constexpr int progressWidth = 240;
+constexpr int progressHeight = 4;
 
 }  // namespace
 
@@ -34,6 +39,8 @@ ReviewPanel::ReviewPanel(CopyReview& review, QWidget* parent) : Card(parent), m_
     observe(review, {&CopyReview::changesChanged, &CopyReview::selectionChanged, &CopyReview::busyChanged},
             this, [this] { refreshHeader(); });
     observe(review, {&CopyReview::busyChanged}, this, [this] { refreshBody(); });
+    observe(review, {&CopyReview::filesReadChanged, &CopyReview::busyChanged}, this,
+            [this] { refreshProgress(); });
     observe(review, {&CopyReview::previewPathChanged, &CopyReview::comparisonChanged}, this,
             [this] { refreshComparison(); });
 }
@@ -57,10 +64,19 @@ QWidget* ReviewPanel::makeHeader() {
 QWidget* ReviewPanel::makeBody() {
     m_body = new QStackedWidget;
     m_reading = new QWidget;
-    auto* const reading = rowIn(m_reading, 10);
+    auto* const reading = columnIn(m_reading, 12);
+    auto* const line = rowIn(nullptr, 10);
+    line->addStretch();
+    line->addWidget(new Spinner);
+    line->addWidget(new TextLabel(tr("Reading changes…"), TypeRole::Body, Ink::Muted));
+    line->addStretch();
+    m_progress = new QProgressBar;
+    m_progress->setAccessibleName(tr("Files read"));
+    m_progress->setTextVisible(false);
+    m_progress->setFixedSize(progressWidth, progressHeight);
     reading->addStretch();
-    reading->addWidget(new Spinner);
-    reading->addWidget(new TextLabel(tr("Reading changes…"), TypeRole::Body, Ink::Muted));
+    reading->addLayout(line);
+    reading->addWidget(m_progress, 0, Qt::AlignHCenter);
     reading->addStretch();
     m_body->addWidget(m_reading);
 
@@ -118,6 +134,11 @@ void ReviewPanel::refreshHeader() {
 void ReviewPanel::refreshBody() {
     m_body->setCurrentWidget(m_review.inspecting() ? m_reading : m_lists);
     m_lists->setEnabled(!m_review.applying());
+}
+
+void ReviewPanel::refreshProgress() {
+    m_progress->setRange(0, std::max(1, m_review.filesToRead()));
+    m_progress->setValue(m_review.filesRead());
 }
 
 void ReviewPanel::refreshComparison() {

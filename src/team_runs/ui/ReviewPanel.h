@@ -2,6 +2,7 @@
 
 #include "appearance/controls/Card.h"
 
+class QProgressBar;
 class QStackedWidget;
 
 namespace orvo {
@@ -26,6 +27,7 @@ private:
     QWidget* makePane(const QString& title, TextViewer*& viewer);
     void refreshHeader();
     void refreshBody();
+    void refreshProgress();
     void refreshComparison();
 
     CopyReview& m_review;
@@ -34,6 +36,7 @@ private:
     OrvoButton* m_apply = nullptr;
     QStackedWidget* m_body = nullptr;
     QWidget* m_reading = nullptr;
+    QProgressBar* m_progress = nullptr;
     QWidget* m_lists = nullptr;
     QStackedWidget* m_compare = nullptr;
     QWidget* m_hint = nullptr;
