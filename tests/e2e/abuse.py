@@ -93,15 +93,17 @@ class Abuse:
                 assert backups.get(name) == before[name], f"{name} was replaced without a backup"
         missing = {name for name in before if name not in now}
         assert not missing, f"{missing} are gone"
-        # There from before the project is touched to the end of the apply.
-        cut = bool(list(newest.glob("backup-*.journal")))
+        # The journal is there from before the project is touched until the apply has ended.
+        under_way = bool(list(newest.glob("backup-*.journal")))
+        assert under_way or not temporary, "temporary files are left of an apply that has ended"
+        new = [name for name in after if now.get(name) == after[name]]
         self.start()
         program.press("Team runs")
         program.find("push button", "Review files")
-        if cut:
+        # Before the first touch nothing is to be told, and after the last only tidying was left.
+        if under_way and (temporary or new) and len(new) < len(after):
             program.find(name="Applying files was interrupted")
-        assert cut or not temporary, "temporary files are left of an apply that has ended"
-        self.cut_applies += cut
+            self.cut_applies += 1
         left = {name for name in contents(self.project) if name not in before and name not in after}
         assert not left, f"{left} were left in the project"
         self.program.process.kill()

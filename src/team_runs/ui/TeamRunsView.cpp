@@ -56,7 +56,7 @@ TeamRunsView::TeamRunsView(TeamRuns& teamRuns, Workspace& workspace, Launcher& l
         new InfoCard(QStringLiteral("square.stack.3d.up"), tr("Start your first team run"),
                      tr("In Workspace, choose Separate copies, select your assistants and send a task. The "
                         "results will appear here."));
-    column->addWidget(m_empty);
+    column->addWidget(m_empty, 0, Qt::AlignTop);
     m_content = new QWidget;
     auto* const content = columnIn(m_content);
     content->addWidget(makeRunRow());
@@ -70,6 +70,8 @@ TeamRunsView::TeamRunsView(TeamRuns& teamRuns, Workspace& workspace, Launcher& l
     area->addWidget(m_panel, 1);
     area->addWidget(m_message);
     content->addLayout(area, 1);
+    // Without a review the row of runs stays at the top.
+    content->addStretch(0);
     column->addWidget(m_content, 1);
     column->addStretch(0);
 
