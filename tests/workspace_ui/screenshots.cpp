@@ -196,7 +196,11 @@ public:
                      .toUtf8());
         }
         if (wants("files-runner-")) takeFiles();
-        if (wants("team-runs")) takeTeamRuns();
+        if (wants("team-runs") || wants("history-")) takeTeamRuns();
+        if (wants("history-")) {
+            workspace().setDestination(Destination::History);
+            take("history-filled");
+        }
         if (wants("mac-actions")) takeMacActions();
         if (wants("desktop")) takeDesktop();
         if (wants("deck")) takeDecks();
