@@ -1,5 +1,7 @@
 #include "terminal/core/TerminalScreen.h"
 
+#include "support/sanitized.h"
+
 #include <gtest/gtest.h>
 
 #include <malloc.h>
@@ -10,12 +12,6 @@
 
 namespace orvo::test {
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool counts = false;
-#else
-constexpr bool counts = true;
-#endif
 
 std::size_t allocated() {
     const auto info = mallinfo2();
@@ -34,7 +30,7 @@ double mebibytes(int rows, int columns, const std::function<void(TerminalScreen&
 }
 
 TEST(ScreenMemory, ASessionHoldsWhatItsTextNeeds) {
-    if (!counts) GTEST_SKIP() << "a sanitizer's allocator does not tell";
+    if (isSanitized) GTEST_SKIP() << "a sanitizer's allocator does not tell";
     EXPECT_LE(mebibytes(50, 200, [](TerminalScreen&) {}), 0.15);
     EXPECT_LE(mebibytes(50, 200,
                         [](TerminalScreen& screen) {
@@ -55,7 +51,7 @@ TEST(ScreenMemory, ASessionHoldsWhatItsTextNeeds) {
 }
 
 TEST(ScreenMemory, FloodsAreBounded) {
-    if (!counts) GTEST_SKIP() << "a sanitizer's allocator does not tell";
+    if (isSanitized) GTEST_SKIP() << "a sanitizer's allocator does not tell";
     EXPECT_LE(mebibytes(24, 80,
                         [](TerminalScreen& screen) {
                             screen.feed("\x1B]2;");
