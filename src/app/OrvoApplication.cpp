@@ -367,12 +367,17 @@ void OrvoApplication::capturePage(std::size_t index) {
     const Destination page = capturedPages.at(index);
     m_workspace.setDestination(page);
     m_services.clock.after(capturePageDelay, this, [this, index, page] {
-        const auto written =
-            writePicture(pictureOfWindow(), m_options.capture->child(textOf(page).toUtf8() + ".png"));
-        if (!written) {
-            std::fprintf(stdout, "Capture error: %s\n", qUtf8Printable(written.error().message));
-        }
-        capturePage(index + 1);
+        runInBackground(
+            this,
+            [picture = pictureOfWindow(), file = m_options.capture->child(textOf(page).toUtf8() + ".png")] {
+                return writePicture(picture, file);
+            },
+            [this, index](const Result<void>& written) {
+                if (!written) {
+                    std::fprintf(stdout, "Capture error: %s\n", qUtf8Printable(written.error().message));
+                }
+                capturePage(index + 1);
+            });
     });
 }
 
