@@ -200,6 +200,10 @@ TEST_F(Overlays, ANoticeStandsInTheMiddleOfItsColumnAndLetsClicksThrough) {
     const int oneLine = notice.height();
     notice.showText(QStringLiteral("A long notice that says what happened. ").repeated(5));
     EXPECT_GT(notice.height(), oneLine);
+    notice.showText(QString(10'000, u'W'));
+    EXPECT_LE(notice.width(), column.width());
+    EXPECT_LE(notice.height(), column.height());
+    EXPECT_EQ(nameOf(&notice).size(), 10'000);
     notice.dismiss();
     EXPECT_FALSE(notice.isVisible());
 }

@@ -7,6 +7,7 @@
 #include "app/MainWindow.h"
 #include "app/Menu.h"
 #include "app/OrvoApplication.h"
+#include "appearance/controls/AlertSheet.h"
 #include "companion/ui/CompanionController.h"
 #include "platform/fake/FakeClock.h"
 #include "platform/fake/FakeDesktopControl.h"
@@ -20,6 +21,7 @@
 #include "platform/images/QtImageDecoder.h"
 #include "support/QtTestMain.h"
 #include "support/WaitFor.h"
+#include "workspace_ui/roughTexts.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -204,6 +206,9 @@ public:
         if (wants("mac-actions")) takeMacActions();
         if (wants("desktop")) takeDesktop();
         if (wants("deck")) takeDecks();
+        if (wants("history-filled")) takeHistory();
+        if (wants("alert")) takeAlert();
+        if (wants("rough")) takeRough();
     }
 
 private:
@@ -212,8 +217,81 @@ private:
         return m_only.startsWith(beginning) || beginning.startsWith(m_only);
     }
 
+    void takeHistory() {
+        m_dialogs.answer(QStringLiteral("Clear"));
+        workspace().clearHistory();
+        const QDateTime monday(QDate(2026, 11, 23), QTime(9, 41));
+        int day = 0;
+        for (const Transcript& session : transcripts) {
+            record(QString::fromLatin1(session.provider), QString::fromLatin1(session.title),
+                   monday.addDays(-day), day == 2 ? 1 : 0,
+                   QString::fromLatin1(sampleScript) + QString::fromLatin1(sampleCode));
+            ++day;
+        }
+        m_clock.advance(std::chrono::seconds(4));
+        workspace().setDestination(Destination::History);
+        take("history-filled");
+    }
+
+    void record(const QString& provider, const QString& title, const QDateTime& started, int exitCode,
+                const QString& output) {
+        workspace().history().record({.id = QUuid::createUuid(),
+                                      .provider = provider,
+                                      .title = title,
+                                      .directory = *workspace().folder(),
+                                      .started = started,
+                                      .exitCode = exitCode,
+                                      .output = output});
+    }
+
+    void takeAlert() {
+        workspace().setDestination(Destination::Settings);
+        AlertSheet alert(m_application->window(),
+                         {.message = QStringLiteral("Apply 2 reviewed files?"),
+                          .informativeText = QStringLiteral(
+                              "Project: ~/harbor-notes\nChanged: README.md\nAdded: tides.txt\n\n"
+                              "Original files are backed up inside this run. Conflicting changes "
+                              "are blocked."),
+                          .buttons = {QStringLiteral("Apply changes"), QStringLiteral("Cancel")}});
+        alert.open(nullptr);
+        take("alert");
+    }
+
+    // Texts that nobody planned for, where they are many.
+    void takeRough() {
+        while (!workspace().sessions().empty())
+            workspace().closeSession(workspace().sessions().front());
+        int number = 0;
+        for (const QString& rough : test::roughTexts() + QStringList{QString()}) {
+            Provider provider;
+            provider.id = QStringLiteral("rough%1").arg(number++);
+            provider.name = rough;
+            provider.subtitle = rough;
+            provider.executable = rough;
+            provider.template_ = QStringLiteral("sh");
+            workspace().assistants().addTemporary(provider);
+            record(provider.id, rough, QDateTime(QDate(2026, 11, 23), QTime(9, 41)), 70'000,
+                   rough.repeated(40));
+        }
+        workspace().setDestination(Destination::History);
+        take("rough-history");
+        workspace().setDestination(Destination::Agents);
+        take("rough-assistants");
+        workspace().setDestination(Destination::Workspace);
+        take("rough-welcome");
+        number = 0;
+        for (const QString& rough : test::roughTexts()) {
+            workspace().startSession(QStringLiteral("rough%1").arg(number++), rough,
+                                     QStringLiteral("sleep 600"), *workspace().folder());
+        }
+        workspace().setFocusMode(false);
+        workspace().notify(test::roughTexts().join(u' '));
+        take("rough-deck");
+    }
+
     void takeDecks() {
         workspace().setDestination(Destination::Workspace);
+        workspace().setFocusMode(false);
         for (const std::size_t count : {1u, 2u, 4u, 12u}) {
             while (workspace().sessions().size() < count)
                 startSession(workspace().sessions().size());

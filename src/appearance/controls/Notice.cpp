@@ -4,6 +4,7 @@
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
+#include "platform/textEnds.h"
 
 #include <QAccessible>
 #include <QEvent>
@@ -21,6 +22,8 @@ constexpr int glyph = 16;
 constexpr int gap = 8;
 constexpr int oneLineHeight = 36;
 constexpr int rise = 8;
+/// A notice is read in four seconds; the whole text is told to assistive technology.
+constexpr qsizetype longest = 400;
 
 }  // namespace
 
@@ -36,6 +39,8 @@ Notice::Notice(QWidget* column) : QWidget(column->window()), m_column(column), m
 void Notice::showText(const QString& text) {
     const bool isNew = isHidden() || text != m_text;
     m_text = text;
+    m_shown = firstCharacters(text, longest);
+    if (m_shown.size() < text.size()) m_shown += u'…';
     setAccessibleName(text);
     place();
     show();
@@ -55,15 +60,21 @@ void Notice::dismiss() {
 
 bool Notice::eventFilter(QObject* watched, QEvent* event) {
     const bool moved = event->type() == QEvent::Resize || event->type() == QEvent::Move;
-    if (moved && isVisible()) place();
+    // Also while the window is about to be shown: its parts find their places just before.
+    if (moved && !isHidden()) place();
     return QWidget::eventFilter(watched, event);
 }
 
 void Notice::place() {
     const int fixed = 2 * padding + glyph + gap;
-    const int room = std::min(widest, m_column->width() - 48) - fixed;
-    const QRect text =
-        fontMetrics().boundingRect(QRect(0, 0, std::max(24, room), 10000), Qt::TextWordWrap, m_text);
+    const QRect room(0, 0, std::max(24, std::min(widest, m_column->width() - 48) - fixed), 10000);
+    m_wrap = Qt::TextWordWrap;
+    QRect text = fontMetrics().boundingRect(room, m_wrap, m_shown);
+    if (text.width() > room.width()) {
+        // A word that is wider than the bubble.
+        m_wrap = Qt::TextWrapAnywhere;
+        text = fontMetrics().boundingRect(room, m_wrap, m_shown);
+    }
     const QSize bubble(fixed + text.width() + 1, std::max(oneLineHeight, text.height() + 20));
     const QPoint top = m_column->mapTo(window(), QPoint((m_column->width() - bubble.width()) / 2, underTop));
     // The widget is larger than the bubble by the reach of its shadow.
@@ -83,8 +94,8 @@ void Notice::paintEvent(QPaintEvent*) {
     paintSymbol(painter, QRectF(bubble.left() + padding, bubble.top(), glyph, bubble.height()),
                 QStringLiteral("checkmark.circle.fill"), toQColor(roles.accent), glyph);
     painter.setPen(toQColor(roles.text));
-    painter.drawText(bubble.adjusted(padding + glyph + gap, 0, -padding + 1, 0),
-                     Qt::AlignVCenter | Qt::TextWordWrap, m_text);
+    painter.drawText(bubble.adjusted(padding + glyph + gap, 0, -padding + 1, 0), Qt::AlignVCenter | m_wrap,
+                     m_shown);
 }
 
 }  // namespace orvo

@@ -29,6 +29,8 @@ private:
 
     QWidget* m_column;
     QString m_text;
+    QString m_shown;
+    int m_wrap = 0;
     Glide m_presence;
 };
 

@@ -42,9 +42,13 @@ void paintField(const QStyleOption* option, QPainter* painter, const QWidget* wi
     if (!enabled) painter->setOpacity(0.4);
     fillRounded(*painter, rect, fieldRadius, toQColor(fieldFill(widget, roles)));
     const auto* field = qobject_cast<const TextField*>(widget);
+    // Where one writes, the focus always shows; a picker tells only who came by keyboard.
+    const bool focused =
+        has(option, QStyle::State_HasFocus) &&
+        (!qobject_cast<const QComboBox*>(widget) || has(option, QStyle::State_KeyboardFocusChange));
     if (field && field->isInvalid()) {
         strokeRing(*painter, rect, fieldRadius, toQColor(roles.danger));
-    } else if (has(option, QStyle::State_HasFocus)) {
+    } else if (focused) {
         strokeRing(*painter, rect, fieldRadius, toQColor(roles.accent));
     } else {
         const bool lit = enabled && has(option, QStyle::State_MouseOver);

@@ -7,7 +7,7 @@ namespace orvo {
 
 /// Text to read and to copy, in the fixed-width font; never rich text. A long text fills in piece by piece,
 /// so that the window stays alive meanwhile.
-class TextViewer final : public QPlainTextEdit {
+class TextViewer : public QPlainTextEdit {
     Q_OBJECT
 
 public:

@@ -10,6 +10,9 @@
 namespace orvo {
 namespace {
 
+/// Kept free above and below a control that was scrolled into view.
+constexpr int margin = 24;
+
 class Walk {
 public:
     QList<QWidget*> stops;
@@ -48,6 +51,14 @@ private:
     QSet<const QWidget*> m_seen;
 };
 
+/// From the innermost area to the outermost: each shows the part of the next one that matters.
+void scrollIntoView(QWidget& stop) {
+    for (QWidget* up = stop.parentWidget(); up && !up->isWindow(); up = up->parentWidget()) {
+        if (auto* const area = qobject_cast<QScrollArea*>(up); area && area->widget()->isAncestorOf(&stop))
+            area->ensureWidgetVisible(&stop, 0, margin);
+    }
+}
+
 }  // namespace
 
 QList<QWidget*> tabStops(const QWidget& root) {
@@ -66,8 +77,9 @@ bool focusNeighbour(const QWidget& root, bool next) {
     const auto found = std::ranges::find_if(stops, holds);
     const qsizetype count = stops.size();
     const qsizetype from = found == stops.end() ? (next ? -1 : 0) : found - stops.begin();
-    stops[(from + (next ? 1 : -1) + count) % count]->setFocus(next ? Qt::TabFocusReason
-                                                                   : Qt::BacktabFocusReason);
+    QWidget* const stop = stops[(from + (next ? 1 : -1) + count) % count];
+    stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    scrollIntoView(*stop);
     return true;
 }
 

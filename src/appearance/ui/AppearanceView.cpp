@@ -60,7 +60,7 @@ AppearanceView::AppearanceView(Theme& theme, QWidget* parent) : QWidget(parent),
                                       "text size. Changes apply immediately.")));
     column.addSpacing(20);
     column.addWidget(makeTiles());
-    column.addSpacing(24);
+    column.addSpacing(20);
     auto* const halves = rowIn(nullptr, gap);
     halves->addWidget(makePersonalPalette(), 1);
     halves->addWidget(makePreview(), 1);

@@ -48,7 +48,7 @@ void showChecked(Switch& control, bool on) {
 
 QWidget* makeSection(std::initializer_list<QWidget*> parts, int spacing) {
     auto* const host = new QWidget;
-    auto* const column = columnIn(host, spacing, QMargins(padding, 16, padding, 16));
+    auto* const column = columnIn(host, spacing, QMargins(padding, 14, padding, 14));
     for (QWidget* const part : parts)
         column->addWidget(part);
     return host;

@@ -23,7 +23,7 @@ constexpr int titleLine = 18;
 HistoryRow::HistoryRow(const Lines& lines, QWidget* parent) : Pressable(lines.title, parent), m_lines(lines) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleDescription(QStringLiteral("%1, %2, %3").arg(lines.connector, lines.date, lines.exit));
-    setToolTip(lines.title.left(400).toHtmlEscaped());
+    setToolTip(plainToolTip(lines.title.left(400)));
 }
 
 void HistoryRow::setCurrent(bool current) {

@@ -102,7 +102,7 @@ QVariant ChangeModel::data(const QModelIndex& index, int role) const {
             // A line feed in a name must not start a second line.
             return change.displayPath().replace(u'\n', u'␊');
         case Qt::ToolTipRole:
-            return change.displayPath().toHtmlEscaped();
+            return plainToolTip(change.displayPath());
         case KindRole:
             return textOf(change.kind());
         case Qt::CheckStateRole:

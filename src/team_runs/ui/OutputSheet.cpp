@@ -9,7 +9,14 @@ namespace orvo {
 namespace {
 
 constexpr int panelWidth = 760;
-constexpr int textHeight = 440;
+
+/// Scrolls by itself, so that the sheet, which is as high as this where the window allows it, need not.
+class Output final : public TextViewer {
+public:
+    using TextViewer::TextViewer;
+
+    QSize sizeHint() const override { return {panelWidth, 440}; }
+};
 
 }  // namespace
 
@@ -22,8 +29,7 @@ OutputSheet::OutputSheet(const QString& output, QWidget* window)
     row->addStretch();
     row->addWidget(m_done);
     connect(m_done, &OrvoButton::clicked, this, &Sheet::dismiss);
-    auto* const text = new TextViewer(tr("Assistant output"), TextViewer::Lines::Wrap);
-    text->setMinimumHeight(textHeight);
+    auto* const text = new Output(tr("Assistant output"), TextViewer::Lines::Wrap);
     text->setText(output);
     setContent(header, text, nullptr);
 }

@@ -69,6 +69,8 @@ TeamRunsView::TeamRunsView(TeamRuns& teamRuns, Workspace& workspace, Launcher& l
     auto* const area = columnIn(nullptr, 0);
     area->addWidget(m_panel, 1);
     area->addWidget(m_message);
+    // While nothing is reviewed; the cards stay below the picker.
+    area->addStretch(0);
     content->addLayout(area, 1);
     // Without a review the row of runs stays at the top.
     content->addStretch(0);
@@ -145,7 +147,8 @@ void TeamRunsView::refreshUnfinished() {
     emptyLayout(*m_unfinished);
     for (const RunFiles::UnfinishedApply& apply : m_teamRuns.unfinishedApplies()) {
         m_unfinished->addWidget(new InfoCard(QStringLiteral("exclamationmark.triangle"),
-                                             tr("Applying files was interrupted"), apply.message()));
+                                             tr("Applying files was interrupted"), apply.message()),
+                                0, Qt::AlignTop);
     }
     if (m_unfinished->count() > 0) m_unfinished->addSpacing(4);
 }

@@ -1,4 +1,5 @@
 // The pointer on a terminal: what the program is told of it, selecting, links, the wheel, dropped files.
+#include "appearance/controls/OrvoStyle.h"
 #include "platform/observe.h"
 #include "terminal/TerminalSession.h"
 #include "terminal/ui/TerminalView.h"
@@ -199,7 +200,7 @@ void TerminalView::setHoveredLink(std::optional<CellLink> link) {
     if (!link && !m_hoveredLink) return;
     m_hoveredLink = std::move(link);
     setCursor(m_hoveredLink ? Qt::PointingHandCursor : Qt::IBeamCursor);
-    setToolTip(m_hoveredLink ? m_hoveredLink->address.toHtmlEscaped() : QString());
+    setToolTip(m_hoveredLink ? plainToolTip(m_hoveredLink->address) : QString());
     updateHighlights();
 }
 

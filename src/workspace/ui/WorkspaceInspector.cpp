@@ -20,6 +20,8 @@ namespace {
 
 constexpr int inspectorWidth = 288;
 constexpr int padding = 20;
+/// Less than at the sides, so that everything is seen in the smallest window.
+constexpr int foot = 12;
 /// The highlight of a row reaches this far into the padding, so that its content aligns with the texts.
 constexpr int rowOverhang = 6;
 
@@ -41,7 +43,7 @@ WorkspaceInspector::WorkspaceInspector(Workspace& workspace, QWidget* parent)
     setFixedWidth(inspectorWidth);
     auto* const content = new QWidget;
     constexpr int side = padding - rowOverhang;
-    auto* const column = columnIn(content, padding, QMargins(side, padding, side, padding));
+    auto* const column = columnIn(content, padding, QMargins(side, padding, side, foot));
     for (QWidget* const section : {makeProject(), makeTargets(), makeModeExplanation(), makeNotes()}) {
         if (column->count() > 0) column->addWidget(inset(new Divider));
         column->addWidget(section);
