@@ -150,6 +150,10 @@ void examineAll(const std::vector<Pair>& pairs, int baseline, int result, const 
     for (size_t i = 1; i < threads && i * batchFiles < pairs.size(); ++i)
         others.emplace_back([&work] { work({}); });
     work(progress);
+    others.clear();  // waits for them
+    const int all = static_cast<int>(pairs.size());
+    // The others may have been quicker at everything.
+    if (progress && !stop.stop_requested()) progress(all, all);
 }
 
 }  // namespace
