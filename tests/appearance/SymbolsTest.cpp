@@ -1,4 +1,5 @@
 #include "appearance/ControlFixture.h"
+#include "appearance/Theme.h"
 #include "appearance/controls/OrvoMark.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
@@ -60,6 +61,17 @@ TEST_F(Symbols, AreDrawnInTheColorAndScaleAskedFor) {
     EXPECT_EQ(blue.toImage().pixelColor(16, 16), QColor(0, 0, 255));
     const QPixmap faint = symbolPixmap(QStringLiteral("stop"), QColor(0, 0, 255, 128), 16, 2);
     EXPECT_NEAR(faint.toImage().pixelColor(16, 16).alpha(), 128, 1);
+}
+
+TEST_F(Symbols, AConnectorsColourGivesWayOnlyWhereItWouldNotBeSeen) {
+    for (const ThemePreset& preset : ThemePreset::all()) {
+        theme.apply(preset);
+        const Roles roles = Roles::of(theme);
+        for (const Rgb hidden : {Rgb{0, 0, 0}, roles.surface})
+            EXPECT_EQ(symbolColor(hidden, roles), roles.muted) << qPrintable(preset.id);
+        for (const Rgb own : {Rgb{0xD9, 0x77, 0x57}, Rgb{0x5B, 0x8D, 0xEF}, Rgb{255, 255, 255}})
+            EXPECT_EQ(symbolColor(own, roles), own) << qPrintable(preset.id);
+    }
 }
 
 TEST_F(Symbols, LinesAreAsThickAtEverySize) {

@@ -73,8 +73,8 @@ void CheckRow::paintEvent(QPaintEvent*) {
     style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &check, &painter, this);
 
     const int iconX = padding + box + gap;
-    paintSymbol(painter, QRectF(iconX, 0, box, height()), m_icon, toQColor(m_ready ? m_color : roles.muted),
-                box);
+    paintSymbol(painter, QRectF(iconX, 0, box, height()), m_icon,
+                toQColor(m_ready ? symbolColor(m_color, roles) : roles.muted), box);
     painter.setPen(toQColor(m_ready ? roles.text : roles.muted));
     const QRect text = rect().adjusted(iconX + box + gap, 0, -padding, 0);
     painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,

@@ -23,9 +23,10 @@ void IconTile::paintEvent(QPaintEvent*) {
     const Roles& roles = rolesOf(this);
     QPainter painter(this);
     if (!isEnabled()) painter.setOpacity(0.4);
-    fillRounded(painter, rect(), 8, toQColor(m_color ? Roles::tileOf(*m_color) : roles.tile));
+    const Rgb color = m_color ? symbolColor(*m_color, roles) : roles.accent;
+    fillRounded(painter, rect(), 8, toQColor(m_color ? Roles::tileOf(color) : roles.tile));
     const int glyph = width() >= 36 ? 20 : width() >= 32 ? 18 : 16;
-    paintSymbol(painter, rect(), m_icon, toQColor(m_color.value_or(roles.accent)), glyph);
+    paintSymbol(painter, rect(), m_icon, toQColor(color), glyph);
 }
 
 }  // namespace orvo

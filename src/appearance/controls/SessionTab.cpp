@@ -95,7 +95,8 @@ void SessionTab::paintEvent(QPaintEvent*) {
             isDown() ? toQColor(roles.pressed) : blended(Qt::transparent, toQColor(roles.hover), hover()));
     }
     if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
-    paintSymbol(painter, QRectF(padding, 0, glyph, height()), m_icon, toQColor(m_color), glyph);
+    paintSymbol(painter, QRectF(padding, 0, glyph, height()), m_icon, toQColor(symbolColor(m_color, roles)),
+                glyph);
     paintMark(painter);
     painter.setPen(m_current ? toQColor(roles.text)
                              : blended(toQColor(roles.muted), toQColor(roles.text), hover()));

@@ -1,5 +1,7 @@
 #include "appearance/controls/painting.h"
 
+#include "appearance/ColorMath.h"
+
 #include <QPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
@@ -17,6 +19,11 @@ QColor toQColor(const Rgba& color) {
     QColor result = toQColor(color.rgb);
     result.setAlphaF(static_cast<float>(color.alpha));
     return result;
+}
+
+Rgb symbolColor(Rgb own, const Roles& roles) {
+    constexpr double barelySeen = 1.8;
+    return contrastRatio(own, roles.surface) < barelySeen ? roles.muted : own;
 }
 
 QColor inkColor(const Roles& roles, Ink ink) {

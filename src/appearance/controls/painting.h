@@ -14,6 +14,9 @@ enum class Ink { Text, Muted, Accent, Danger };
 
 QColor toQColor(Rgb color);
 QColor toQColor(const Rgba& color);
+/// A connector's own colour for its symbol, or the muted one where the palette would hide it: connectors that
+/// were written by hand may have any colour, or none, which counts as black.
+Rgb symbolColor(Rgb own, const Roles& roles);
 QColor inkColor(const Roles& roles, Ink ink);
 /// `from` blended toward `to` by `amount` (0 to 1), opacity included.
 QColor blended(const QColor& from, const QColor& to, double amount);
