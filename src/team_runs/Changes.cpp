@@ -131,23 +131,24 @@ using Answers = std::vector<SystemResult<std::optional<FileChange>>>;
 /// Each worker writes the answers of its own pairs only.
 void examineAll(const std::vector<Pair>& pairs, int baseline, int result, const std::stop_token& stop,
                 const ReadingProgress& progress, Answers& answers) {
+    const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
+    // A few large files are shared out one by one; of many small ones a worker takes some at a time.
+    const size_t batch = std::clamp<size_t>(pairs.size() / (threads * 8), 1, batchFiles);
     std::atomic<size_t> next{0};
     std::atomic<size_t> done{0};
     // One of the workers tells what all of them have done.
     const auto work = [&](const ReadingProgress& tell) {
         Examiner examiner(baseline, result, stop);
-        for (size_t begin = next.fetch_add(batchFiles); begin < pairs.size();
-             begin = next.fetch_add(batchFiles)) {
-            const size_t end = std::min(begin + batchFiles, pairs.size());
+        for (size_t begin = next.fetch_add(batch); begin < pairs.size(); begin = next.fetch_add(batch)) {
+            const size_t end = std::min(begin + batch, pairs.size());
             for (size_t i = begin; i < end && !stop.stop_requested(); ++i)
                 answers[i] = examiner.examine(pairs[i]);
             const size_t examined = done += end - begin;
             if (tell) tell(static_cast<int>(examined), static_cast<int>(pairs.size()));
         }
     };
-    const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
     std::vector<std::jthread> others;
-    for (size_t i = 1; i < threads && i * batchFiles < pairs.size(); ++i)
+    for (size_t i = 1; i < threads && i * batch < pairs.size(); ++i)
         others.emplace_back([&work] { work({}); });
     work(progress);
     others.clear();  // waits for them
