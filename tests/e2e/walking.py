@@ -1,5 +1,6 @@
 """Uses the controls of the window one after the other, and remembers which ones it has seen and not used."""
 import re
+import time
 
 from desktop import Atspi, Program, set_text, showing, text_of, wait_for
 
@@ -20,6 +21,13 @@ def children(node, first=0):
         child = node.get_child_at_index(index)
         if child is not None:
             yield child
+
+
+def still_shows(node):
+    try:
+        return showing(node)
+    except Exception:  # gone altogether
+        return False
 
 
 class Control:
@@ -57,8 +65,14 @@ class Walk:
             # The window goes on while it is looked at: what belongs to no one page is looked at again.
             if self.page == self.page_now():
                 break
+        new = [control for control in controls if control.key not in self.seen]
+        # The header changes a moment before the page: what is going with the page before it is not of this one.
+        if new:
+            time.sleep(0.1)
+        gone = {control.key for control in new if not still_shows(control.node)}
         for control in controls:
-            self.seen[control.key] = control
+            if control.key not in gone:
+                self.seen[control.key] = control
         nameless = [control for control in controls if not control.name]
         assert not nameless, f"controls without a name: {nameless}"
         return controls
