@@ -16,7 +16,7 @@ import time
 from companion_road import click_pet, draft, pet
 from desktop import checked, press_key, set_text, text_of, wait_for, xdotool
 from home import on_a_project
-from voice_road import PROGRAMS, SKIPPED, end_speech_service, say, sound_server
+from voice_road import PROGRAMS, SKIPPED, say, sound_server
 
 MEMORY_LIMIT = 20 * 1024  # KiB that a day may add
 
@@ -280,11 +280,8 @@ def main(binary, orvoctl, pictures, tasks="40"):
         print("what dictation is tried with is not installed")
         return SKIPPED
     with sound_server() as sound:
-        try:
-            on_a_project(binary, pictures, ASSISTANT,
-                         functools.partial(walk, binary, orvoctl, int(tasks), sound), prepare)
-        finally:
-            end_speech_service()
+        on_a_project(binary, pictures, ASSISTANT, functools.partial(walk, binary, orvoctl, int(tasks), sound),
+                     prepare)
     return 0
 
 
