@@ -79,7 +79,7 @@ QList<ApplicationWindow> ApplicationWindow::all(const XConnection& connection) {
 }
 
 void ApplicationWindow::activate(const XConnection& connection) const {
-    // "A pager", as the window manager specification calls who acts at the person's own request; a plain
+    // "A pager", as the conventions of window managers call who acts at the person's own request; a plain
     // application would have to show a recent event of its own.
     constexpr uint32_t pager = 2;
     xcb_client_message_event_t event{};
