@@ -161,9 +161,12 @@ void examineAll(const std::vector<Pair>& pairs, int baseline, int result, const 
 
 Result<QList<FileChange>> changes(const FilePath& baseline, const FilePath& result,
                                   const std::stop_token& stop, const ReadingProgress& progress) {
+    // Both trees at the same time: with many folders this is most of the work.
+    Result<FileMap> after;
+    std::jthread walkingResult([&after, &result, &stop] { after = files(result, stop); });
     const Result<FileMap> before = files(baseline, stop);
+    walkingResult.join();
     if (!before) return tl::unexpected<Error>(before.error());
-    const Result<FileMap> after = files(result, stop);
     if (!after) return tl::unexpected<Error>(after.error());
     const auto baselineRoot = openRoot(baseline);
     if (!baselineRoot) return pathFailure(baseline.bytes(), baselineRoot.error());

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -24,15 +25,14 @@ constexpr std::array excludedNames = {".git"sv,   ".svn"sv,   ".hg"sv,   "node_m
                                       ".cache"sv, ".ssh"sv,   ".aws"sv,  ".gnupg"sv,       ".DS_Store"sv};
 constexpr std::array bundleExtensions = {"app"sv, "framework"sv};
 
-struct FolderCloser {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-using FolderStream = std::unique_ptr<DIR, FolderCloser>;
+// As much as the library's own streams take at a time.
+constexpr size_t entryBytes = 32 << 10;
 
 /// Collects the files of one tree, a folder at a time, so that depth costs no descriptors.
 class Walk {
 public:
-    Walk(int root, const std::stop_token& stop) : m_root(root), m_stop(stop) {}
+    Walk(int root, const std::stop_token& stop)
+        : m_root(root), m_stop(stop), m_entries(std::make_unique_for_overwrite<std::byte[]>(entryBytes)) {}
 
     Result<FileMap> run() {
         m_folders.push_back({});
@@ -48,36 +48,45 @@ public:
     }
 
 private:
+    /// Asks the system for the entries itself: a stream costs each folder three more calls and a buffer.
     Result<void> readFolder(const QByteArray& path) {
-        const FolderStream stream = openStream(path);
-        if (!stream) return pathFailure(path, errno);
+        auto opened = openForReading(path);
+        if (!opened) return pathFailure(path, opened.error());
+        m_open = std::move(*opened);
+        m_openPath = path;
         while (true) {
-            errno = 0;
-            const dirent* const entry = readdir(stream.get());
-            if (entry == nullptr) break;
-            const QByteArray name(entry->d_name);
-            if (name == "." || name == ".." || isExcluded(name)) continue;
-            const QByteArray entryPath = path.isEmpty() ? name : path + '/' + name;
-            if (entry->d_type == DT_DIR) {
-                m_folders.push_back(entryPath);
-            } else if (entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN) {
-                if (Result<void> added = add(dirfd(stream.get()), name, entryPath); !added) return added;
+            const ssize_t filled = getdents64(m_open.number(), m_entries.get(), entryBytes);
+            if (filled < 0) return pathFailure(path, errno);
+            if (filled == 0) return {};
+            for (ssize_t at = 0; at < filled;) {
+                const auto* const entry = reinterpret_cast<const dirent64*>(m_entries.get() + at);
+                at += entry->d_reclen;
+                if (Result<void> taken = take(m_open.number(), path, *entry); !taken) return taken;
             }
         }
-        if (errno != 0) return pathFailure(path, errno);
+    }
+
+    Result<void> take(int folder, const QByteArray& path, const dirent64& entry) {
+        const QByteArray name(static_cast<const char*>(entry.d_name));
+        if (name == "." || name == ".." || isExcluded(name)) return {};
+        const QByteArray entryPath = path.isEmpty() ? name : path + '/' + name;
+        if (entry.d_type == DT_DIR) {
+            m_folders.push_back(entryPath);
+        } else if (entry.d_type == DT_REG || entry.d_type == DT_UNKNOWN) {
+            return add(folder, name, entryPath);
+        }
         return {};
     }
 
-    FolderStream openStream(const QByteArray& path) const {
-        auto folder = openFolderBeneath(m_root, path);
-        if (!folder) {
-            errno = folder.error();
-            return nullptr;
-        }
+    SystemResult<FileDescriptor> openForReading(const QByteArray& path) const {
+        // The folder read last is mostly the one that holds this: one step instead of all of them.
+        if (m_open.isOpen() && parentPath(path) == m_openPath)
+            return openFolderBeneath(m_open.number(), fileName(path));
+        if (!path.isEmpty()) return openFolderBeneath(m_root, path);
         // A descriptor of its own, with its own position: the root's may be shared.
-        const int own = openat(folder->number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (own < 0) return nullptr;
-        return FolderStream(fdopendir(own));
+        FileDescriptor own(openat(m_root, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!own.isOpen()) return tl::unexpected<int>(errno);
+        return own;
     }
 
     Result<void> add(int folder, const QByteArray& name, const QByteArray& path) {
@@ -95,7 +104,10 @@ private:
 
     int m_root;
     std::stop_token m_stop;
+    std::unique_ptr<std::byte[]> m_entries;
     std::vector<QByteArray> m_folders;
+    FileDescriptor m_open;
+    QByteArray m_openPath;
     FileMap m_map;
     qint64 m_bytes = 0;
 };
