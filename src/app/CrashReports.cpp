@@ -25,6 +25,8 @@ QList<QByteArray> oldestFirst(const FilePath& folder) {
 
 void CrashReports::tell(Dialogs& dialogs) const {
     QList<QByteArray> names = oldestFirst(m_folder);
+    // What has not been told of yet is the news, whatever the clock said when it was written.
+    std::ranges::stable_partition(names, [](const QByteArray& name) { return !name.endsWith(untoldSuffix); });
     while (names.size() > maximumKept)
         unlink(m_folder.child(names.takeFirst()).bytes().constData());
     std::optional<FilePath> latest;

@@ -54,11 +54,17 @@ void removeFile(const FilePath& file) {
     unlink(file.bytes().constData());
 }
 
-/// Names sort by the time of writing: microseconds since 1970, of 16 digits until the year 2286.
-QByteArray freshName() {
+/// Names sort by the time of writing: microseconds since 1970, of 16 digits until the year 2286. A clock that
+/// was set back does not put the new text among the older ones, nor in the place of one.
+QByteArray freshName(const FilePath& folder) {
     using namespace std::chrono;
-    const auto now = duration_cast<microseconds>(system_clock::now().time_since_epoch());
-    return QByteArray::number(qint64{now.count()}) + suffix;
+    constexpr qint64 sixteenNines = 9'999'999'999'999'999;
+    qint64 number = duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
+    for (const QByteArray& name : listFolder(folder).value_or(QList<QByteArray>())) {
+        const qint64 there = name.endsWith(suffix) ? name.left(name.indexOf('.')).toLongLong() : 0;
+        if (there < sixteenNines) number = std::max(number, there + 1);
+    }
+    return QByteArray::number(number).rightJustified(16, '0') + suffix;
 }
 
 }  // namespace
@@ -67,7 +73,7 @@ EditorRecovery::EditorRecovery(ProjectFiles& files, FilePath folder)
     : m_files(files), m_folder(std::move(folder)), m_queue(SerialQueue::create("orvo.recovery")) {}
 
 const FilePath& EditorRecovery::place() {
-    if (!m_kept) m_kept = m_folder.child(freshName());
+    if (!m_kept) m_kept = m_folder.child(freshName(m_folder));
     return *m_kept;
 }
 

@@ -29,6 +29,7 @@ QString lastLineOf(const TerminalSession& session) {
 WatchedSessions::WatchedSessions(const QStringList& names,
                                  std::vector<std::shared_ptr<TerminalSession>> sessions)
     : m_states(names), m_sessions(std::move(sessions)) {
+    m_sinceStart.start();
     for (const auto& session : m_sessions) {
         connect(session.get(), &TerminalSession::runningChanged, this, [this] {
             showStates();
@@ -75,8 +76,7 @@ void WatchedSessions::showStates() {
         const TerminalSession& session = *m_sessions[i];
         LiveStates::State state{stateOf(session), {}, {}};
         if (session.running()) {
-            const auto seconds = session.started().secsTo(QDateTime::currentDateTimeUtc());
-            state.seconds = static_cast<int>(std::max<qint64>(seconds, 0));
+            state.seconds = static_cast<int>(m_sinceStart.elapsed() / 1000);
             if (m_states.showsOutput()) state.output = lastLineOf(session);
         }
         m_states.show(static_cast<qsizetype>(i), state);

@@ -3,6 +3,7 @@
 #include "orvoctl/LiveStates.h"
 #include "terminal/TerminalSession.h"
 
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QObject>
 
@@ -37,6 +38,7 @@ private:
 
     LiveStates m_states;
     std::vector<std::shared_ptr<TerminalSession>> m_sessions;
+    QElapsedTimer m_sinceStart;
     Outcome m_outcome = Outcome::Ended;
     QEventLoop m_loop;
 };

@@ -3,6 +3,7 @@
 #include "orvoctl/Console.h"
 #include "orvoctl/Invocation.h"
 #include "platform/AppFolders.h"
+#include "platform/Clock.h"
 #include "team_runs/ApplyJournal.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/runLookup.h"
@@ -15,7 +16,7 @@ FilePath runsFolder() {
 
 Result<TeamRun> runOf(const Invocation& invocation) {
     const auto runs = RunStore::load(runsFolder());
-    return findRun(runs.value_or(QList<TeamRun>()), invocation.positional().value(0));
+    return findRun(runs.value_or(QList<TeamRun>()), invocation.positional().value(0), SystemClock().now());
 }
 
 Result<ReviewedCopy> copyOf(const Invocation& invocation) {

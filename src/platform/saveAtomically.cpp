@@ -8,12 +8,14 @@
 #include <QRandomGenerator>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <optional>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -118,6 +120,8 @@ int writeTemporary(int folder, QByteArrayView content, mode_t mode, const std::o
                                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
         if (temporary.isOpen()) {
             name = candidate;
+            // For as long as it is being filled; see removeStaleTemporaries.
+            [[maybe_unused]] const int locked = flock(temporary.number(), LOCK_EX | LOCK_NB);
         } else if (errno != EEXIST || attempt == temporaryAttempts) {
             return errno;
         }
@@ -174,16 +178,22 @@ Result<void> saveAtomically(const FilePath& path, QByteArrayView content, SaveOp
 }
 
 void removeStaleTemporaries(const FilePath& folder) {
-    constexpr time_t staleAfter = 3600;
+    constexpr std::int64_t staleAfter = 3600;
     const Result<QList<QByteArray>> names = listFolder(folder);
     if (!names) return;
-    const time_t now = time(nullptr);
+    const std::int64_t now = time(nullptr);
     for (const QByteArray& name : *names) {
         if (!name.startsWith(temporaryPrefix) || !name.endsWith(temporarySuffix)) continue;
         const QByteArray path = folder.child(name).bytes();
+        const FileDescriptor temporary(
+            open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
         struct stat status{};
-        if (lstat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
-        if (now - status.st_mtime >= staleAfter) unlink(path.constData());
+        if (!temporary.isOpen() || fstat(temporary.number(), &status) != 0 || !S_ISREG(status.st_mode))
+            continue;
+        // The clock may have been set since, either way; whoever is still writing holds the lock.
+        if (std::abs(now - status.st_mtime) < staleAfter) continue;
+        if (flock(temporary.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            unlink(path.constData());
     }
 }
 

@@ -31,7 +31,8 @@ struct SaveOptions {
 /// the new file in place without being known to survive a power cut.
 Result<void> saveAtomically(const FilePath& file, QByteArrayView content, SaveOptions options = {});
 
-/// Removes temporaries that a killed process left in `folder` at least an hour ago. Failures do not matter.
+/// Removes temporaries that a killed process left in `folder` at least an hour ago. One that is still being
+/// written stays, though the clock has jumped. Failures do not matter.
 void removeStaleTemporaries(const FilePath& folder);
 
 }  // namespace orvo

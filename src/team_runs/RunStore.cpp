@@ -41,6 +41,15 @@ void insertByAge(QList<TeamRun>& runs, const TeamRun& run) {
     runs.insert(std::ranges::upper_bound(runs, run.created, std::ranges::greater(), &TeamRun::created), run);
 }
 
+double nextDate(const QList<TeamRun>& runs, double now) {
+    constexpr double step = 0.001;
+    double date = now;
+    for (const TeamRun& run : runs) {
+        if (run.created < now + TeamRun::clockCorrection) date = std::max(date, run.created + step);
+    }
+    return date;
+}
+
 std::optional<TeamRun> loadRun(const FilePath& root) {
     const Result<QByteArray> content = readFile(recordFile(root), maximumRecordBytes);
     if (!content) return std::nullopt;

@@ -19,6 +19,10 @@ std::optional<QList<TeamRun>> load(const FilePath& runsFolder);
 /// Puts a run where it belongs in a list that is newest first; after those of the same moment.
 void insertByAge(QList<TeamRun>& runs, const TeamRun& run);
 
+/// The date (`TeamRun::created`) of a run that is made at `now`: after all `runs`, also when the clock has
+/// been set back meanwhile.
+double nextDate(const QList<TeamRun>& runs, double now);
+
 /// The record in one run folder.
 std::optional<TeamRun> loadRun(const FilePath& root);
 

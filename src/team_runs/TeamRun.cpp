@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace orvo {
 namespace {
 
@@ -53,7 +55,8 @@ std::optional<RunCopy> copyFrom(const QJsonValue& value) {
 }  // namespace
 
 QDateTime TeamRun::createdTime() const {
-    return referenceDate().addMSecs(static_cast<qint64>(created * 1000));
+    constexpr double farthest = 1e12;
+    return referenceDate().addMSecs(static_cast<qint64>(std::clamp(created, -farthest, farthest) * 1000));
 }
 
 double TeamRun::secondsOf(const QDateTime& time) {

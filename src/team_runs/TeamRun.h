@@ -38,11 +38,15 @@ struct TeamRun {
     /// Seconds since 1 January 2001 UTC. Kept as it is stored, so that a record survives being read and
     /// written.
     double created = 0;
+    /// How far a clock may be set back, in seconds, without the order of runs suffering. One that was wrong
+    /// by more is not believed instead of the present one.
+    static constexpr double clockCorrection = 24 * 60 * 60;
     /// In the order in which the assistants were selected.
     QList<RunCopy> copies;
 
     bool operator==(const TeamRun&) const = default;
 
+    /// A moment 30,000 years away at the most, whatever was read.
     QDateTime createdTime() const;
     static double secondsOf(const QDateTime& time);
 

@@ -180,12 +180,12 @@ void TeamRuns::prepared(Prepared result, const QUuid& token, const QList<Provide
         return;
     }
     TeamRun run = *result.run;
-    run.created = TeamRun::secondsOf(m_clock.now());
+    run.created = RunStore::nextDate(m_teamRuns, TeamRun::secondsOf(m_clock.now()));
     // Recorded before anything starts: whatever happens from here on, the copies are not lost.
     saveRun(run);
     result.folder->keep();
     m_ownRuns.insert(run.id);
-    m_teamRuns.prepend(run);
+    RunStore::insertByAge(m_teamRuns, run);
     m_selectedRunID = run.id;
     Q_EMIT teamRunsChanged();
     Q_EMIT selectedRunIDChanged();

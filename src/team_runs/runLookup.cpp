@@ -8,11 +8,16 @@
 
 namespace orvo {
 
-Result<TeamRun> findRun(const QList<TeamRun>& runs, const QString& text) {
+Result<TeamRun> findRun(const QList<TeamRun>& runs, const QString& text, const QDateTime& now) {
     if (runs.isEmpty()) {
         return RunFiles::refusal(QCoreApplication::translate("RunLookup", "There are no team runs yet."));
     }
-    if (text == u"latest") return runs.front();
+    if (text == u"latest") {
+        const double limit = TeamRun::secondsOf(now) + TeamRun::clockCorrection;
+        const auto latest =
+            std::ranges::find_if(runs, [limit](const TeamRun& run) { return run.created < limit; });
+        return latest == runs.end() ? runs.front() : *latest;
+    }
     QList<TeamRun> found;
     std::ranges::copy_if(runs, std::back_inserter(found), [&text](const TeamRun& run) {
         return !text.isEmpty() && uuidText(run.id).startsWith(text, Qt::CaseInsensitive);

@@ -5,8 +5,9 @@
 
 namespace orvo {
 
-/// The run that a person means by an id, a unique beginning of one, or "latest". `runs` are newest first.
-Result<TeamRun> findRun(const QList<TeamRun>& runs, const QString& text);
+/// The run that a person means by an id, a unique beginning of one, or "latest", which is none
+/// that a clock far ahead of `now` has dated while there is another. `runs` are newest first.
+Result<TeamRun> findRun(const QList<TeamRun>& runs, const QString& text, const QDateTime& now);
 
 /// The copy meant by a connector's id or the copy's number, counted from 1.
 Result<RunCopy> findCopy(const TeamRun& run, const QString& text);

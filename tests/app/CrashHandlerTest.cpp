@@ -153,6 +153,15 @@ TEST_F(CrashHandlerTest, oldReportsMakeRoom) {
     CrashReports(m_reports).tell(m_dialogs);
     EXPECT_EQ(names().size(), CrashReports::maximumKept + 1);
     EXPECT_EQ(names().value(1), QStringLiteral("crash-1700000013-1.txt"));
+
+    // One that was written when the clock was years behind is told of all the same.
+    QFile late(m_reports.child("crash-946684800-1.new.txt").display());
+    ASSERT_TRUE(late.open(QIODevice::WriteOnly));
+    m_dialogs.answer(QStringLiteral("OK"));
+    CrashReports(m_reports).tell(m_dialogs);
+    EXPECT_EQ(m_dialogs.alerts().size(), 1);
+    EXPECT_TRUE(names().contains(QStringLiteral("crash-946684800-1.txt")));
+    EXPECT_EQ(names().size(), CrashReports::maximumKept + 1);
 }
 
 }  // namespace

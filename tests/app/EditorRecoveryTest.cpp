@@ -87,6 +87,21 @@ TEST_F(EditorRecoveryTest, asksAgainNextTimeWhenThePersonWantsToDecideLater) {
     EXPECT_EQ(keptTexts(), 0);
 }
 
+TEST_F(EditorRecoveryTest, aClockThatWasSetBackChangesNeitherOrderNorOlderTexts) {
+    write("low");
+    endWith(QStringLiteral("first"));
+    const QDir kept(m_kept.display());
+    // Ten years ahead of the second.
+    ASSERT_TRUE(QFile::rename(kept.filePath(kept.entryList(QDir::Files).first()),
+                              kept.filePath(QStringLiteral("2100000000000000.unsaved.json"))));
+    endWith(QStringLiteral("second"));
+    EXPECT_EQ(keptTexts(), 2);
+    Run next(*this);
+    m_dialogs.answer(QStringLiteral("Restore"));
+    EXPECT_TRUE(next.recovery.offer(m_dialogs));
+    EXPECT_EQ(next.files.editorText(), QStringLiteral("second"));
+}
+
 TEST_F(EditorRecoveryTest, keepsOneTextARunAndNoneWithoutUnsavedChanges) {
     write("low");
     Run run(*this);

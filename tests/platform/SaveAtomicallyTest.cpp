@@ -1,5 +1,6 @@
 #include "platform/saveAtomically.h"
 
+#include "platform/FileDescriptor.h"
 #include "platform/TemporaryFolder.h"
 #include "support/WaitFor.h"
 
@@ -13,6 +14,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -230,14 +232,19 @@ TEST(SaveAtomically, eachSystemCallMayFailOrBeTheLast) {
 
 TEST(SaveAtomically, onlyOldTemporariesAreCleanedUp) {
     const TemporaryFolder folder;
-    for (const char* name : {".orvo-1.tmp", ".orvo-2.tmp", ".orvo-notes", "f"})
+    for (const char* name : {".orvo-1.tmp", ".orvo-2.tmp", ".orvo-3.tmp", ".orvo-4.tmp", ".orvo-notes", "f"})
         writeFile(folder.child(name), "");
     const timespec longAgo[2] = {{1'000'000, 0}, {1'000'000, 0}};
-    for (const char* name : {".orvo-1.tmp", ".orvo-notes", "f"}) {
+    for (const char* name : {".orvo-1.tmp", ".orvo-3.tmp", ".orvo-notes", "f"}) {
         ASSERT_EQ(utimensat(AT_FDCWD, folder.child(name).bytes().constData(), longAgo, 0), 0);
     }
+    const timespec fromTheFuture[2] = {{4'000'000'000, 0}, {4'000'000'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, folder.child(".orvo-4.tmp").bytes().constData(), fromTheFuture, 0), 0);
+    // Somebody writes it still, and the clock has jumped.
+    const FileDescriptor writer(open(folder.child(".orvo-3.tmp").bytes().constData(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(writer.number(), LOCK_EX), 0);
     removeStaleTemporaries(folder.path());
-    EXPECT_EQ(folder.names(), (Names{".orvo-2.tmp", ".orvo-notes", "f"}));
+    EXPECT_EQ(folder.names(), (Names{".orvo-2.tmp", ".orvo-3.tmp", ".orvo-notes", "f"}));
 }
 
 }  // namespace

@@ -73,12 +73,20 @@ TEST(RunLookup, FindsRunsAndCopiesAsPeopleNameThem) {
     };
     QList<TeamRun> runs = {run("AB000000-0000-0000-0000-000000000001"),
                            run("AB100000-0000-0000-0000-000000000002")};
-    EXPECT_EQ(findRun(runs, QStringLiteral("latest")), runs[0]);
-    EXPECT_EQ(findRun(runs, QStringLiteral("ab1")), runs[1]);
-    EXPECT_EQ(findRun(runs, uuidText(runs[0].id)), runs[0]);
+    const auto found = [&runs](const QString& text, const char* now = "2026-03-01T12:00:00Z") {
+        return findRun(runs, text, QDateTime::fromString(QLatin1String(now), Qt::ISODate));
+    };
+    EXPECT_EQ(found(QStringLiteral("latest")), runs[0]);
+    EXPECT_EQ(found(QStringLiteral("ab1")), runs[1]);
+    EXPECT_EQ(found(uuidText(runs[0].id)), runs[0]);
     for (const char* text : {"ab", "c", ""})
-        EXPECT_FALSE(findRun(runs, QLatin1String(text))) << text;
-    EXPECT_FALSE(findRun({}, QStringLiteral("latest")));
+        EXPECT_FALSE(found(QLatin1String(text))) << text;
+    runs[0].created = TeamRun::secondsOf(QDateTime(QDate(2036, 1, 1), QTime(12, 0), Qt::UTC));
+    EXPECT_EQ(found(QStringLiteral("latest")), runs[1]) << "a clock ten years ahead made the other";
+    EXPECT_EQ(found(QStringLiteral("latest"), "1999-01-01T12:00:00Z"), runs[0]) << "there is no better";
+    runs.clear();
+    EXPECT_FALSE(found(QStringLiteral("latest")));
+    runs = {run("AB000000-0000-0000-0000-000000000001")};
     runs[0].copies = {{QUuid::createUuid(), QStringLiteral("codex"), {}, {}, {}},
                       {QUuid::createUuid(), QStringLiteral("1"), {}, {}, {}}};
     EXPECT_EQ(findCopy(runs[0], QStringLiteral("codex")), runs[0].copies[0]);

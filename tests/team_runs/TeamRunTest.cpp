@@ -35,6 +35,7 @@ TEST(TeamRun, IsStoredUnderExactlyItsKeys) {
     const QJsonObject json = jsonOf(run);
     EXPECT_EQ(json.keys().join(u','), QStringLiteral("copies,created,id,project,prompt,root"));
     EXPECT_EQ(json[u"created"].toDouble(), 785'000'000.25);
+    EXPECT_TRUE(exampleRun(FilePath("/r"), 1e300).createdTime().isValid());
     EXPECT_EQ(json[u"id"].toString(), run.id.toString(QUuid::WithoutBraces).toUpper());
     const QJsonArray copies = json[u"copies"].toArray();
     EXPECT_EQ(copies[0].toObject().keys().join(u','),

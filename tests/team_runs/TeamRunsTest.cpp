@@ -117,6 +117,34 @@ TEST(TeamRuns, EachAssistantWorksInACopyAndTheProjectStaysAsItWas) {
     EXPECT_EQ(bench.host.notices, QStringList{started});
 }
 
+TEST(TeamRuns, TheirOrderStaysWhenTheClockIsSet) {
+    Workbench bench(FakeTeamRunHost::Launch::Never);
+    const QDateTime begin = bench.clock.now();
+    const auto runAt = [&bench](const QDateTime& now) {
+        bench.clock.set(now);
+        bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+        EXPECT_TRUE(bench.settled());
+        return *bench.engine.selectedRunID();
+    };
+    const auto order = [](const QList<TeamRun>& runs) {
+        QList<QUuid> ids;
+        for (const TeamRun& run : runs)
+            ids.append(run.id);
+        return ids;
+    };
+    const QUuid first = runAt(begin);
+    const QUuid anHourBack = runAt(begin.addSecs(-3600));
+    const QUuid atTheSameMoment = runAt(begin.addSecs(-3600));
+    EXPECT_EQ(order(bench.engine.teamRuns()), (QList<QUuid>{atTheSameMoment, anHourBack, first}));
+    // So wrong a clock is not followed for ten years.
+    const QUuid farAhead = runAt(begin.addYears(10));
+    const QUuid rightAgain = runAt(begin.addSecs(60));
+    EXPECT_EQ(bench.engine.run(rightAgain)->createdTime(), begin.addSecs(60));
+    const QList<QUuid> all = {farAhead, rightAgain, atTheSameMoment, anHourBack, first};
+    EXPECT_EQ(order(bench.engine.teamRuns()), all);
+    EXPECT_EQ(order(*RunStore::load(bench.tree.path("Runs"))), all) << "as the next start lists them";
+}
+
 TEST(TeamRuns, ADraftTypedMeanwhileStays) {
     Workbench bench(FakeTeamRunHost::Launch::Never);
     bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});

@@ -24,6 +24,13 @@ void FakeClock::advance(std::chrono::milliseconds duration) {
     m_now = end;
 }
 
+void FakeClock::set(const QDateTime& now) {
+    const qint64 jump = m_now.msecsTo(now);
+    for (Pending& pending : m_pending)
+        pending.due = pending.due.addMSecs(jump);
+    m_now = now;
+}
+
 int FakeClock::waiting() const {
     return static_cast<int>(
         std::ranges::count_if(m_pending, [](const Pending& pending) { return !pending.context.isNull(); }));

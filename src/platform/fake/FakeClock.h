@@ -19,6 +19,8 @@ public:
     /// Moves on by `duration` and runs what falls due, earliest first and at its own time; work of one moment
     /// runs in the order it was asked for. What that work asks for is run too when it falls due by the end.
     void advance(std::chrono::milliseconds duration);
+    /// Sets the date, as a person or a time server does: what waits is due after as long as before.
+    void set(const QDateTime& now);
     /// Work that waits and whose context still lives.
     int waiting() const;
 
