@@ -19,7 +19,7 @@ using orvo::fuzz::require;
 /// Writes down what it is handed.
 class Log {
 public:
-    void printAscii(std::string_view text) {
+    void printAscii(std::string_view text, const char* /*end*/) {
         require(!text.empty() && std::ranges::all_of(text, orvo::isPrintableAscii), "text that is none");
         // Where a run of text ends is no matter.
         if (!m_inText) m_text += "\ntext ";

@@ -17,11 +17,12 @@ namespace orvo {
 /// The byte machine: finds text, control characters and sequences in what a program writes, and hands each to
 /// a sink, which gives them meaning. The state survives between calls, so a sequence may come in pieces.
 ///
-/// A sink has printAscii(std::string_view), print(char32_t), control(char), escape(char32_t),
-/// intermediateEscape(std::string_view intermediates, char final), controlSequence(const ControlSequence&)
-/// and operatingSystemCommand(std::string_view text, std::string_view terminator); and, to take a run of text
-/// at once, const char* printText(const char* position, const char* end), which returns where it has stopped:
-/// at once, when it can do nothing with the text.
+/// A sink has printAscii(std::string_view text, const char* end), which may read on to `end`,
+/// print(char32_t), control(char), escape(char32_t), intermediateEscape(std::string_view intermediates, char
+/// final), controlSequence(const ControlSequence&) and operatingSystemCommand(std::string_view text,
+/// std::string_view terminator); and, to take a run of text at once, const char* printText(const char*
+/// position, const char* end), which returns where it has stopped: at once, when it can do nothing with the
+/// text.
 class EscapeParser {
 public:
     /// A longer control sequence is abandoned.
@@ -246,7 +247,7 @@ const char* EscapeParser::ground(const char* position, const char* end, Utf8Deco
         const char byte = *position;
         if (isPrintableAscii(byte)) {
             const std::size_t run = printableRun(position, end);
-            sink.printAscii({position, run});
+            sink.printAscii({position, run}, end);
             position += run;
         } else if (!Utf8Decoder::isAscii(byte)) {
             const char* const printed = sink.printText(position, end);

@@ -30,9 +30,9 @@ void store(TerminalCell* target, const CellVector& cell) {
     std::memcpy(place, &cell, sizeof cell);
 }
 
-// Runs of at most so many bytes are written in blocks of so many cells.
-constexpr int shortRun = 16;
-constexpr std::size_t block = 8;
+// The length of a block in bytes and cells. Whole blocks are written for a run whose length nothing
+// foretells, where whatever comes into the cells behind it is never seen.
+constexpr int block = 16;
 
 /// Scalars with one of these may become part of the character before them.
 constexpr std::uint8_t joiningProperties =
@@ -88,17 +88,34 @@ void writeAscii(TerminalCell* cells, std::string_view text, const TerminalCell& 
     }
 }
 
-/// As `writeAscii` for a short run, where whatever comes into the cells behind it is never seen: the number
-/// of bytes, which nothing foretells, then decides hardly a branch.
-void writeShortAscii(TerminalCell* cells, std::string_view text, const TerminalCell& style) {
-    CellVector cell = vectorOf(style);
-    const std::size_t last = text.size() - 1;
-    for (std::size_t first = 0; first <= last; first += block) {
-        for (std::size_t index = first; index < first + block; ++index) {
-            cell[0] = static_cast<unsigned char>(text[std::min(index, last)]);
-            store(cells + index, cell);
-        }
+/// The printable ASCII that stands at `position`, at most one block.
+int shortRunAt(const char* position, const char* end) {
+    if (end - position >= block) return printableAmong16(position);
+    return static_cast<int>(printableRun(position, end));
+}
+
+/// Writes one cell for each of `count` bytes, in whole blocks: so many bytes there are to read, and so many
+/// cells to write.
+void writeBlocks(TerminalCell* cells, const char* bytes, int count, const TerminalCell& style) {
+#ifdef __SSE2__
+    const auto look = std::bit_cast<__m128i>(vectorOf(style));
+    const __m128i foreground = _mm_shuffle_epi32(look, _MM_SHUFFLE(1, 1, 1, 1));
+    const __m128i rest = _mm_unpackhi_epi64(look, look);
+    for (; count > 0; count -= block, cells += block, bytes += block) {
+        writeFour(cells, bytes, foreground, rest);
+        writeFour(cells + 4, bytes + 4, foreground, rest);
+        if (count <= block / 2) return;
+        writeFour(cells + 8, bytes + 8, foreground, rest);
+        writeFour(cells + 12, bytes + 12, foreground, rest);
     }
+#else
+    writeAscii(cells, {bytes, static_cast<std::size_t>(count)}, style);
+#endif
+}
+
+/// How much whole blocks for `count` bytes take.
+constexpr int blocksFor(int count) {
+    return (count + block - 1) / block * block;
 }
 
 }  // namespace
@@ -129,17 +146,18 @@ void TerminalScreen::feedText(std::string_view text) {
 #endif
 }
 
-void TerminalScreen::printAscii(std::string_view text) {
+void TerminalScreen::printAscii(std::string_view text, const char* end) {
     m_lastPrinted = static_cast<unsigned char>(text.back());
     if (m_textInModes) return printAsciiInModes(text);
     while (!text.empty()) {
         if (m_pendingWrap) wrap();
         const auto count = std::min(static_cast<int>(text.size()), m_columns - m_cursor.column);
         const auto length = static_cast<std::size_t>(count);
+        const int taken = blocksFor(count);
         TerminalRow& line = cursorLine();
-        if (count > 1 && count <= shortRun && m_cursor.column + shortRun <= m_columns &&
+        if (count > 1 && m_cursor.column + taken <= m_columns && end - text.data() >= taken &&
             line.writtenUpTo() <= m_cursor.column + count) {
-            writeShortAscii(line.overwriteFrom(m_cursor.column), text.substr(0, length), m_style.cell);
+            writeBlocks(line.overwriteFrom(m_cursor.column), text.data(), count, m_style.cell);
             line.written(m_cursor.column + count, nextStamp());
         } else {
             writeAscii(line.overwrite(m_cursor.column, count, nextStamp()), text.substr(0, length),
@@ -170,8 +188,10 @@ void TerminalScreen::joinWritten(int column, char32_t mark) {
 
 /// Writes scalars that only take cells, and marks on them, up to the end of a line. What needs more than that
 /// is left: clusters, malformed bytes, long runs of ASCII, for which there is a faster way.
+///
+/// In text of many scripts nothing foretells how many letters stand before the next scalar beyond ASCII, so
+/// they are taken as one run, whatever its length, also none.
 const char* TerminalScreen::printText(const char* position, const char* end) {
-    constexpr int longestAscii = 16;
     if (m_textInModes || m_columns < 2) return position;
     // A scalar between two sequences is no run.
     const int firstLength = Utf8Decoder::lengthFor(*position);
@@ -181,31 +201,38 @@ const char* TerminalScreen::printText(const char* position, const char* end) {
     const CellVector second = vectorOf(continuationOf(m_style.cell));
     TerminalCell* cells = nullptr;
     int column = m_cursor.column;
-    int ascii = 0;
+    // Blocks of cells may be written up to here, because nobody sees what they leave behind the text.
+    int blocksEnd = 0;
     while (position < end) {
-        int length = 1;
-        char32_t scalar = static_cast<unsigned char>(*position);
-        std::uint8_t properties = 0;
         if (Utf8Decoder::isAscii(*position)) {
-            if (!isPrintableAscii(*position) || ++ascii > longestAscii) break;
-        } else {
-            ascii = 0;
-            length = Utf8Decoder::lengthFor(*position);
-            if (end - position < length) break;
-            scalar = Utf8Decoder::wellFormed(position, length);
-            if (scalar == 0) break;
-            properties = characterProperties(scalar);
-            const std::uint8_t joining = properties & joiningProperties;
-            if (joining != 0) [[unlikely]] {
-                if (joining == NonspacingMark && cells != nullptr && scalar != emojiPresentation) {
-                    joinWritten(column, scalar);
-                    position += length;
-                    continue;
-                }
-                // Behind a cell that was written here stands no cluster that ends with a joiner, the only
-                // thing that an emoji joins.
-                if (joining != Emoji || (position == start && clusterBefore())) break;
+            const int run = shortRunAt(position, end);
+            if (run == block || column + run > m_columns) break;
+            if (column + block <= blocksEnd && end - position >= block) {
+                writeBlocks(cells + column, position, run, m_style.cell);
+            } else {
+                writeAscii(cells + column, {position, static_cast<std::size_t>(run)}, m_style.cell);
             }
+            if (run == 0) break;
+            cell[0] = static_cast<unsigned char>(position[run - 1]);
+            column += run;
+            position += run;
+            if (position == end || Utf8Decoder::isAscii(*position)) break;
+        }
+        const int length = Utf8Decoder::lengthFor(*position);
+        if (end - position < length) break;
+        const char32_t scalar = Utf8Decoder::wellFormed(position, length);
+        if (scalar == 0) break;
+        const std::uint8_t properties = characterProperties(scalar);
+        const std::uint8_t joining = properties & joiningProperties;
+        if (joining != 0) [[unlikely]] {
+            if (joining == NonspacingMark && cells != nullptr && scalar != emojiPresentation) {
+                joinWritten(column, scalar);
+                position += length;
+                continue;
+            }
+            // Behind a cell that was written here stands no cluster that ends with a joiner, the only
+            // thing that an emoji joins.
+            if (joining != Emoji || (position == start && clusterBefore())) break;
         }
         const int width = (properties & Wide) != 0 ? 2 : 1;
         if (column + width > m_columns || (cells == nullptr && m_pendingWrap)) {
@@ -213,7 +240,11 @@ const char* TerminalScreen::printText(const char* position, const char* end) {
             wrap();
             column = 0;
         }
-        if (cells == nullptr) cells = cursorLine().overwriteFrom(column) - column;
+        if (cells == nullptr) {
+            TerminalRow& line = cursorLine();
+            if (line.writtenUpTo() <= column) blocksEnd = m_columns;
+            cells = line.overwriteFrom(column) - column;
+        }
         cell[0] = scalar;
         store(cells + column, cell);
         if (width == 2) store(cells + column + 1, second);
@@ -272,8 +303,10 @@ void TerminalScreen::repeatLast(int count) {
     if (m_lastPrinted == 0) return;
     count = std::min(count, m_rows * m_columns);
     const bool plain = m_lastPrinted < 0x80 && !m_textInModes;
-    if (plain)
-        return printAscii(std::string(static_cast<std::size_t>(count), static_cast<char>(m_lastPrinted)));
+    if (plain) {
+        const std::string text(static_cast<std::size_t>(count), static_cast<char>(m_lastPrinted));
+        return printAscii(text, text.data() + text.size());
+    }
     const int width = (characterProperties(m_lastPrinted) & Wide) != 0 ? 2 : 1;
     for (; count > 0; --count) {
         put(m_lastPrinted, width);

@@ -120,7 +120,7 @@ private:
     enum class ModeChange : bool { Reset, Set };
 
     // What the parser finds.
-    void printAscii(std::string_view text);
+    void printAscii(std::string_view text, const char* end);
     const char* printText(const char* position, const char* end);
     void print(char32_t scalar);
     void control(char character);
