@@ -1,3 +1,4 @@
+#include "support/longer.h"
 #include "team_runs/Apply.h"
 #include "team_runs/ApplyJournal.h"
 #include "team_runs/Changes.h"
@@ -23,6 +24,7 @@
 namespace orvo {
 namespace {
 
+using test::lengthOf;
 using test::Tree;
 namespace faults = test::faults;
 using Drawing = QMap<QByteArray, QByteArray>;
@@ -220,12 +222,6 @@ TEST(ApplyFault, SomebodysWorkUnderATemporaryNameIsNotTidiedAway) {
     EXPECT_EQ(scene.tree.read("project/.orvo-x.tmp"), "written a moment before");
 }
 
-int seconds(const char* variable, int otherwise) {
-    const QByteArray text = qgetenv(variable);
-    return text.isEmpty() ? otherwise : text.toInt();
-}
-
-// ORVO_SWAP_SECONDS lengthens it.
 TEST(ApplyFault, LinksSwappedAtRandomLeadNowhere) {
     const Tree tree(Tree::Place::Memory);
     tree.write("outside/f", "old");
@@ -262,7 +258,8 @@ TEST(ApplyFault, LinksSwappedAtRandomLeadNowhere) {
     int refused = 0;
     QElapsedTimer clock;
     clock.start();
-    while (clock.elapsed() < 1'000 * seconds("ORVO_SWAP_SECONDS", 20)) {
+    const int seconds = lengthOf(20, 600);
+    while (clock.elapsed() < 1'000 * seconds) {
         swapping = true;
         const auto done = RunFiles::apply(*changes, tree.path("project"), tree.path("Runs/R/copy"),
                                           tree.path("Runs/R/backup-B"));

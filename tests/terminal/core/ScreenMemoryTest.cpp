@@ -1,13 +1,16 @@
 #include "terminal/core/TerminalScreen.h"
 
+#include "support/longer.h"
 #include "support/sanitized.h"
 
 #include <gtest/gtest.h>
 
 #include <malloc.h>
 
+#include <array>
 #include <functional>
 #include <memory>
+#include <random>
 #include <string>
 
 namespace orvo::test {
@@ -86,6 +89,22 @@ TEST(ScreenMemory, FloodsAreBounded) {
                         }),
               12.0)
         << "resizes";
+}
+
+TEST(ScreenMemory, NoiseIsBounded) {
+    if (isSanitized) GTEST_SKIP() << "a sanitizer's allocator does not tell";
+    // Escapes often enough that sequences of every kind begin, and get lost.
+    std::mt19937 random(20'261'123);
+    EXPECT_LE(mebibytes(24, 80,
+                        [&random](TerminalScreen& screen) {
+                            std::array<char, 1 << 16> noise;
+                            for (int piece = lengthOf(100, 16'000); piece > 0; --piece) {
+                                for (char& byte : noise)
+                                    byte = random() % 16 == 0 ? '\x1B' : static_cast<char>(random());
+                                screen.feed({noise.data(), noise.size()});
+                            }
+                        }),
+              40.0);
 }
 
 }  // namespace

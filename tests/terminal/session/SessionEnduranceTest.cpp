@@ -1,4 +1,5 @@
 #include "TestSession.h"
+#include "support/longer.h"
 #include "support/sanitized.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@ namespace orvo {
 namespace {
 
 using namespace std::chrono_literals;
+using test::lengthOf;
 using test::TestSession;
 using test::waitFor;
 
@@ -94,7 +96,7 @@ TEST(SessionEndurance, AThousandSessionsLeaveNothingBehind) {
 
     QElapsedTimer timer;
     timer.start();
-    runSessions(1'000);
+    runSessions(lengthOf(1'000, 10'000));
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
 
     EXPECT_TRUE(waitFor([&] {
@@ -129,7 +131,7 @@ TEST(SessionEndurance, AFloodCostsNoMemoryAndNoOtherSessionItsKeys) {
     std::vector<qint64> waits;
     QElapsedTimer whole;
     whole.start();
-    while (whole.elapsed() < 5'000) {
+    while (whole.elapsed() < lengthOf(5'000, 60'000)) {
         const QString word = QStringLiteral("word%1").arg(waits.size());
         const qint64 workBefore = workedFor();
         QElapsedTimer timer;
@@ -155,6 +157,29 @@ TEST(SessionEndurance, AFloodCostsNoMemoryAndNoOtherSessionItsKeys) {
     floods.front()->session->send(QStringLiteral("\x03"));
     ASSERT_TRUE(floods.front()->ends());
     EXPECT_EQ(floods.front()->session->exitCode(), 130);
+}
+
+// Each question has an answer that nobody reads.
+TEST(SessionEndurance, QuestionsWithoutEndCostNoMemory) {
+    if (test::isSanitized) GTEST_SKIP() << "a sanitizer's allocator keeps what is freed";
+    const qint64 before = residentMemory();
+    TestSession test(QStringLiteral("stty raw -echo; yes $'\\e[6n' | head -c %1; print -n asked")
+                         .arg(lengthOf(4'000'000, 1'000'000'000)));
+    test.session->start();
+    qint64 longestTurn = 0;
+    qint64 most = 0;
+    ASSERT_TRUE(waitFor(
+        [&] {
+            const qint64 worked = workedFor();
+            QCoreApplication::processEvents();
+            longestTurn = std::max(longestTurn, workedFor() - worked);
+            most = std::max(most, residentMemory());
+            return test.finished > 0;
+        },
+        std::chrono::minutes(10)));
+    EXPECT_NE(test.textAtEnd.find("asked"), std::string::npos);
+    EXPECT_LT(most - before, 64'000'000);
+    EXPECT_LT(longestTurn, 5 * 100);
 }
 
 }  // namespace
