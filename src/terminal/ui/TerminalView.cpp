@@ -459,6 +459,12 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
             return setZoom(m_zoom - 1);
         case KeyMeaning::ZoomReset:
             return setZoom(0);
+        case KeyMeaning::ScrollPageUp:
+            if (scrollByPages(1)) return;
+            break;
+        case KeyMeaning::ScrollPageDown:
+            if (scrollByPages(-1)) return;
+            break;
         case KeyMeaning::Other:
             event->ignore();
             return;
@@ -467,6 +473,14 @@ void TerminalView::keyPressEvent(QKeyEvent* event) {
     }
     if (!m_session) return;
     send(bytesOf(*event, m_session->screen().modes()));
+}
+
+bool TerminalView::scrollByPages(int pages) {
+    const TerminalScreen* shown = screen();
+    if (shown == nullptr || shown->alternateScreen()) return false;
+    // One line stays in sight, to read on from.
+    setScrollOffset(m_scrollOffset + pages * std::max(shown->rows() - 1, 1));
+    return true;
 }
 
 void TerminalView::send(const QByteArray& bytes) {

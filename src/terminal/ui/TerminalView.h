@@ -123,6 +123,8 @@ private:
     /// Asks for a repaint of everything, and forgets what was shown.
     void repaintAll();
     void follow(const TerminalScreen& screen);
+    /// Back into history, or forward when negative. False in the alternate screen, which has none.
+    bool scrollByPages(int pages);
     void send(const QByteArray& bytes);
     void pasteText(const QString& text);
     void reportFocus();

@@ -93,6 +93,10 @@ KeyMeaning meaningOf(const QKeyEvent& event) {
     }
     if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && key == Qt::Key_Plus)
         return KeyMeaning::ZoomIn;
+    if (modifiers == Qt::ShiftModifier) {
+        if (key == Qt::Key_PageUp) return KeyMeaning::ScrollPageUp;
+        if (key == Qt::Key_PageDown) return KeyMeaning::ScrollPageDown;
+    }
     if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) {
         if (key == Qt::Key_C || key == Qt::Key_A) return KeyMeaning::Copy;
         if (key == Qt::Key_V) return KeyMeaning::Paste;

@@ -25,6 +25,9 @@ enum class KeyMeaning {
     ZoomIn,
     ZoomOut,
     ZoomReset,
+    /// A page through the scrollback, for who has one: in the alternate screen the key is the program's.
+    ScrollPageUp,
+    ScrollPageDown,
     /// The desktop's or nobody's: modifiers alone, keys held with the Super key.
     Other,
 };

@@ -184,6 +184,39 @@ TEST(TerminalInput, TheWheelMovesALineForEveryThreeOfItsUnits) {
     EXPECT_EQ(view.scrollOffset(), 6);
 }
 
+TEST(TerminalInput, ShiftAndAPageKeyMoveAPageThroughTheHistory) {
+    RunningTerminal terminal;
+    ASSERT_TRUE(terminal.start());
+    terminal.fillHistory(100);
+    TerminalView& view = terminal.view;
+    const int page = terminal.session.screen().rows() - 1;
+    QTest::keyClick(&view, Qt::Key_PageUp, Qt::ShiftModifier);
+    EXPECT_EQ(view.scrollOffset(), page);
+    QTest::keyClick(&view, Qt::Key_PageUp, Qt::ShiftModifier | Qt::KeypadModifier);
+    EXPECT_EQ(view.scrollOffset(), 2 * page);
+    QTest::keyClick(&view, Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_EQ(view.scrollOffset(), page);
+    for (int i = 0; i < 20; ++i)
+        QTest::keyClick(&view, Qt::Key_PageUp, Qt::ShiftModifier);
+    EXPECT_EQ(view.scrollOffset(), terminal.session.screen().scrollbackCount());
+    for (int i = 0; i < 40; ++i)
+        QTest::keyClick(&view, Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_EQ(view.scrollOffset(), 0);
+    // The program has had none of them, and has what the keys send without Shift.
+    QTest::keyClick(&view, Qt::Key_PageUp);
+    ASSERT_TRUE(terminal.shows("^[[5~"));
+    EXPECT_EQ(terminal.session.screen().plainText().find("^[[5;2~"), std::string::npos);
+}
+
+TEST(TerminalInput, InTheAlternateScreenShiftAndAPageKeyGoToTheProgram) {
+    RunningTerminal terminal(echoing("\\033[?1049h"));
+    ASSERT_TRUE(terminal.start());
+    QTest::keyClick(&terminal.view, Qt::Key_PageUp, Qt::ShiftModifier);
+    QTest::keyClick(&terminal.view, Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_TRUE(terminal.shows("^[[5;2~^[[6;2~"));
+    EXPECT_EQ(terminal.view.scrollOffset(), 0);
+}
+
 TEST(TerminalInput, TypingReturnsToTheLiveScreen) {
     RunningTerminal terminal;
     ASSERT_TRUE(terminal.start());
