@@ -1,5 +1,6 @@
 #include "assistants/Provider.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -97,6 +98,12 @@ QList<Provider> makeDefaults() {
 const QList<Provider>& Provider::defaults() {
     static const QList<Provider> catalog = makeDefaults();
     return catalog;
+}
+
+QString Provider::shownName() const {
+    if (!name.trimmed().isEmpty()) return name;
+    const QString program = executable.section(u'/', -1, -1, QString::SectionSkipEmpty).trimmed();
+    return program.isEmpty() ? QCoreApplication::translate("Provider", "Unnamed assistant") : program;
 }
 
 std::optional<QUrl> Provider::documentationURL() const {

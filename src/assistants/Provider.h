@@ -27,6 +27,8 @@ struct Provider {
     /// The six built-in connectors in display order; the Terminal is always last.
     static const QList<Provider>& defaults();
 
+    /// What it is called on the screen: its name, or where that is blank the file name of its executable.
+    QString shownName() const;
     /// A web link with a host, or nothing.
     std::optional<QUrl> documentationURL() const;
     /// The sentence that says what is wrong with the launch command, or nothing.

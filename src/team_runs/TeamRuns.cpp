@@ -117,7 +117,7 @@ bool TeamRuns::mayStart(const QString& task, const QList<Provider>& providers) {
         if (commandFor(provider, task).toUtf8().size() <= maximumCommandBytes) continue;
         m_host.notify(
             tr("This task is too long to be passed to %1. Shorten it, or put it into a file of the project.")
-                .arg(provider.name));
+                .arg(provider.shownName()));
         return false;
     }
     return m_host.confirmDiscard();
@@ -305,7 +305,7 @@ std::shared_ptr<TerminalSession> TeamRuns::summarizeRun(const TeamRun& run) {
     }
     QList<ComparisonBlock> blocks;
     for (const RunCopy& copy : run.copies) {
-        blocks.append({m_host.provider(copy.provider).name, copy.exitCode, runOutput(copy, run)});
+        blocks.append({m_host.provider(copy.provider).shownName(), copy.exitCode, runOutput(copy, run)});
     }
     const auto command = comparisonCommand(run.prompt, blocks);
     if (!command) {

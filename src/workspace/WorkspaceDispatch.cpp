@@ -99,8 +99,8 @@ void Workspace::launch(const Provider& provider, const QString& prompt) {
         notify(*refusal);
         return;
     }
-    const QString title =
-        prompt.isEmpty() ? tr("%1 session").arg(provider.name) : firstCharacters(prompt, titleCharacters);
+    const QString title = prompt.isEmpty() ? tr("%1 session").arg(provider.shownName())
+                                           : firstCharacters(prompt, titleCharacters);
     startSession(provider.id, title, command, *m_folder);
 }
 
@@ -119,7 +119,7 @@ void Workspace::signIn(const Provider& provider) {
         launch(provider, QString());
         return;
     }
-    startSession(provider.id, tr("Sign in · %1").arg(provider.name),
+    startSession(provider.id, tr("Sign in · %1").arg(provider.shownName()),
                  shellQuote(executable.display()) + arguments, m_folder.value_or(m_services.tools.home));
 }
 
@@ -135,7 +135,7 @@ void Workspace::resume(const Provider& provider) {
     } else {
         return;
     }
-    startSession(provider.id, tr("Resume · %1").arg(provider.name),
+    startSession(provider.id, tr("Resume · %1").arg(provider.shownName()),
                  shellQuote(executable.display()) + arguments, *m_folder);
 }
 

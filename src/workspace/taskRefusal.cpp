@@ -20,12 +20,12 @@ std::optional<QString> taskRefusal(const Provider& provider, const QString& task
     if (auto error = provider.templateError()) return error;
     if (task.isEmpty()) return std::nullopt;
     if (!provider.receivesTasks()) {
-        return tr("Add {prompt} to %1’s launch command to receive tasks.").arg(provider.name);
+        return tr("Add {prompt} to %1’s launch command to receive tasks.").arg(provider.shownName());
     }
     if (task.contains(QChar::Null)) return tr("This task holds a character that no command can carry.");
     if (!fitsOneArgument(std::string(roomBeforeCommand, ' ') + command.toStdString())) {
         return tr("This task is too long to start %1 with. Put the details into a file of the project.")
-            .arg(provider.name);
+            .arg(provider.shownName());
     }
     return std::nullopt;
 }

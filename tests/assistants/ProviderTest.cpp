@@ -54,6 +54,21 @@ TEST(Provider, DocumentationIsALinkOnlyWithAWebSchemeAndAHost) {
     }
 }
 
+TEST(Provider, WithoutANameItIsCalledByItsProgram) {
+    const auto shown = [](const char* name, const char* executable) {
+        Provider provider;
+        provider.name = QString::fromUtf8(name);
+        provider.executable = QString::fromUtf8(executable);
+        return provider.shownName();
+    };
+    EXPECT_EQ(shown(" My tool ", "/usr/bin/tool"), QStringLiteral(" My tool ")) << "as it was given";
+    EXPECT_EQ(shown("", "/usr/bin/tool"), QStringLiteral("tool"));
+    EXPECT_EQ(shown(" \t", "~/bin/my tool/"), QStringLiteral("my tool"));
+    EXPECT_EQ(shown("", "opencode"), QStringLiteral("opencode"));
+    EXPECT_EQ(shown("", " / "), QStringLiteral("Unnamed assistant"));
+    EXPECT_EQ(shown("", ""), QStringLiteral("Unnamed assistant"));
+}
+
 TEST(Provider, ListSurvivesItsJSONForm) {
     QList<Provider> providers = Provider::defaults();
     providers[0].name = QStringLiteral("quote \" back\\slash \n é 🛰");

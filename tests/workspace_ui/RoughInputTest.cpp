@@ -92,6 +92,7 @@ TEST_F(RoughInputTest, providersFoldersAndNoticesKeepEveryPageInShape) {
     show(Destination::Agents);
     for (const QString& name : roughTexts())
         EXPECT_TRUE(shows(screen(), name)) << qPrintable(name.left(80));
+    EXPECT_TRUE(shows(screen(), text("Unnamed assistant")));
     // The sheet of the one that has nothing to show.
     workspace().editConnector(workspace().assistants().provider(text("rough%1").arg(roughTexts().size())));
     expectInShape(Destination::Agents);

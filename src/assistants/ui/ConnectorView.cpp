@@ -61,7 +61,7 @@ void ConnectorView::present() {
 }
 
 QString ConnectorView::title() const {
-    return m_provider ? tr("Configure %1").arg(m_provider->name) : tr("Add an assistant");
+    return m_provider ? tr("Configure %1").arg(m_provider->shownName()) : tr("Add an assistant");
 }
 
 QWidget* ConnectorView::makeHeader() const {

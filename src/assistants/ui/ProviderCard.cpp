@@ -65,7 +65,7 @@ void ProviderCard::layOutCompact() {
     row->addWidget(new IconTile(m_provider.icon, compactTile, colorOf(m_provider)));
     auto* const lines = columnIn(nullptr);
     lines->addStretch();
-    lines->addWidget(new ElidedLabel(m_provider.name, TypeRole::Name));
+    lines->addWidget(new ElidedLabel(m_provider.shownName(), TypeRole::Name));
     lines->addWidget(subtitle);
     lines->addWidget(m_status);
     lines->addStretch();
@@ -84,7 +84,7 @@ void ProviderCard::layOutFull() {
     auto* const heading = rowIn(nullptr, 12);
     heading->addWidget(new IconTile(m_provider.icon, fullTile, colorOf(m_provider)));
     auto* const names = columnIn(nullptr);
-    names->addWidget(new ElidedLabel(m_provider.name, TypeRole::CardTitle));
+    names->addWidget(new ElidedLabel(m_provider.shownName(), TypeRole::CardTitle));
     names->addWidget(new ElidedLabel(m_provider.subtitle, TypeRole::Caption, Ink::Muted));
     heading->addLayout(names, 1);
     heading->addWidget(m_mainAction, 0, Qt::AlignTop);
@@ -105,7 +105,7 @@ QWidget* ProviderCard::makeFooter() {
     const auto addAction = [&](const QString& title, const QString& icon, auto work) {
         auto* const button = new OrvoButton(title, icon, OrvoButton::Kind::Plain, OrvoButton::Size::Small);
         // The bare verb is on every card; the description tells them apart.
-        button->setAccessibleDescription(m_provider.name);
+        button->setAccessibleDescription(m_provider.shownName());
         connect(button, &OrvoButton::clicked, this, work);
         row->addWidget(button);
         return button;
@@ -122,8 +122,9 @@ QWidget* ProviderCard::makeFooter() {
               [this] { m_workspace.editConnector(m_provider); });
     row->addStretch();
     if (const auto address = m_provider.documentationURL()) {
-        auto* const link = new OrvoButton(tr("%1 documentation").arg(m_provider.name), QStringLiteral("book"),
-                                          OrvoButton::Kind::Icon, OrvoButton::Size::Small);
+        auto* const link =
+            new OrvoButton(tr("%1 documentation").arg(m_provider.shownName()), QStringLiteral("book"),
+                           OrvoButton::Kind::Icon, OrvoButton::Size::Small);
         connect(link, &OrvoButton::clicked, this, [this, address] {
             const Result<void> opened = m_launcher.openAddress(*address);
             if (!opened) m_workspace.notify(opened.error().message);
@@ -138,7 +139,7 @@ void ProviderCard::refreshState() {
     const bool ready = assistants.isReady(m_provider);
     m_mainAction->setTitle(ready ? tr("Open") : tr("Set up"));
     m_mainAction->setIconName(ready ? QStringLiteral("arrow.up.right") : QString());
-    m_mainAction->setAccessibleDescription(m_provider.name);
+    m_mainAction->setAccessibleDescription(m_provider.shownName());
 
     const QString label = assistants.connectionLabel(m_provider);
     const Ink ink = isConnected(label) ? Ink::Accent : Ink::Muted;

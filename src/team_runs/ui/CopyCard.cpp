@@ -46,7 +46,7 @@ CopyCard::CopyCard(const RunCopy& copy, const TeamRuns& teamRuns, Workspace& wor
     const Provider provider = workspace.assistants().provider(copy.provider);
     // A connector that is gone has only its id.
     const bool isKnown = provider.id == copy.provider;
-    const QString name = isKnown && !provider.name.isEmpty() ? provider.name : copy.provider;
+    const QString name = isKnown ? provider.shownName() : copy.provider;
     setAccessibleName(name);
 
     auto* const column = columnIn(this, 12, QMargins(padding, padding, padding, padding));

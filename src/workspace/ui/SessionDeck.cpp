@@ -73,7 +73,7 @@ void SessionDeck::fillNewSessionMenu() {
     m_newSession->clear();
     for (const Provider& provider : m_workspace.assistants().providers()) {
         if (!m_workspace.assistants().isReady(provider)) continue;
-        QString name = provider.name;
+        QString name = provider.shownName();
         QAction* const action = m_newSession->addAction(name.replace(u'&', QStringLiteral("&&")));
         connect(action, &QAction::triggered, this,
                 [this, provider] { m_workspace.launch(provider, QString()); });
@@ -132,7 +132,7 @@ void SessionDeck::refreshPanes() {
 void SessionDeck::refreshNames() {
     for (const auto& session : m_workspace.sessions()) {
         m_panes[session->id()]->setConnectorName(
-            m_workspace.assistants().provider(session->providerID()).name);
+            m_workspace.assistants().provider(session->providerID()).shownName());
     }
 }
 

@@ -123,7 +123,7 @@ void WorkspaceInspector::rebuildTargets() {
     for (const Provider& provider : m_workspace.assistants().providers()) {
         if (!takesTasks(provider)) continue;
         auto* const row =
-            new CheckRow(provider.icon, colorFromHex(provider.colorHex.toStdString()), provider.name);
+            new CheckRow(provider.icon, colorFromHex(provider.colorHex.toStdString()), provider.shownName());
         connect(row, &CheckRow::chosen, this, [this, id = provider.id](bool on) { select(id, on); });
         connect(row, &CheckRow::setupRequested, this,
                 [this, provider] { m_workspace.editConnector(provider); });
