@@ -1,6 +1,7 @@
 #include "support/WaitFor.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/ui/ChangeList.h"
+#include "team_runs/ui/ReviewPanel.h"
 #include "workspace_ui/ScreenFixture.h"
 
 #include <QAccessible>
@@ -109,6 +110,14 @@ TEST_F(TeamRunsViewTest, ComparesAndAppliesTheFilesThatAreTicked) {
     EXPECT_TRUE(shows(screen(), text("Apply selected (0)")));
     ASSERT_TRUE(waitFor([&] { return textOf("After") == text("one\nmore\n"); }));
     EXPECT_EQ(textOf("Before"), text("one\n"));
+
+    // The columns fill the card but for its border.
+    const auto* const panel = screen().findChild<ReviewPanel*>();
+    for (const char* const pane : {"Before", "After"}) {
+        const auto* const viewer = find<QPlainTextEdit>(screen(), text(pane));
+        const int below = panel->height() - viewer->mapTo(panel, QPoint(0, viewer->height())).y();
+        EXPECT_EQ(below, 1) << pane;
+    }
 
     list().toggleRow(0);
     list().toggleRow(1);

@@ -9,8 +9,9 @@ class Well final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `Boxed` has a border and round corners of its own; `Bare` fills what it is given.
-    enum class Edge { Boxed, Bare };
+    /// `Boxed` has a border and round corners of its own; `Bare` fills what it is given,
+    /// `CardCorner` too, but for the lower right corner of the card that it stands in.
+    enum class Edge { Boxed, Bare, CardCorner };
 
     explicit Well(Edge edge = Edge::Boxed, QWidget* parent = nullptr) : QWidget(parent), m_edge(edge) {}
 

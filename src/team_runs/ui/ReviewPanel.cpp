@@ -6,7 +6,6 @@
 #include "appearance/controls/Spinner.h"
 #include "appearance/controls/TextLabel.h"
 #include "appearance/controls/TextViewer.h"
-#include "appearance/controls/Well.h"
 #include "appearance/controls/layouts.h"
 #include "platform/observe.h"
 #include "team_runs/ui/ChangeList.h"
@@ -33,8 +32,6 @@ ReviewPanel::ReviewPanel(CopyReview& review, QWidget* parent) : Card(parent), m_
     column->addWidget(makeHeader());
     column->addWidget(new Divider);
     column->addWidget(makeBody(), 1);
-    // The card's border stays free, and its round corners below.
-    column->setContentsMargins(1, 1, 1, static_cast<int>(Card::radius));
 
     observe(review, {&CopyReview::changesChanged, &CopyReview::selectionChanged, &CopyReview::busyChanged},
             this, [this] { refreshHeader(); });
@@ -96,16 +93,16 @@ QWidget* ReviewPanel::makeBody() {
     m_compare->addWidget(m_hint);
     m_panes = new QWidget;
     auto* const panes = rowIn(m_panes);
-    panes->addWidget(makePane(tr("Before"), m_before), 1);
+    panes->addWidget(makePane(tr("Before"), m_before, Well::Edge::Bare), 1);
     panes->addWidget(new Divider(Qt::Vertical));
-    panes->addWidget(makePane(tr("After"), m_after), 1);
+    panes->addWidget(makePane(tr("After"), m_after, Well::Edge::CardCorner), 1);
     m_compare->addWidget(m_panes);
     row->addWidget(m_compare, 1);
     m_body->addWidget(m_lists);
     return m_body;
 }
 
-QWidget* ReviewPanel::makePane(const QString& title, TextViewer*& viewer) {
+QWidget* ReviewPanel::makePane(const QString& title, TextViewer*& viewer, Well::Edge edge) {
     auto* const pane = new QWidget;
     auto* const column = columnIn(pane);
     auto* const label = new TextLabel(title, TypeRole::SmallControl, Ink::Muted);
@@ -113,7 +110,7 @@ QWidget* ReviewPanel::makePane(const QString& title, TextViewer*& viewer) {
     label->setLineHeight(paneHeaderHeight);
     column->addWidget(label);
     column->addWidget(new Divider);
-    auto* const well = new Well(Well::Edge::Bare);
+    auto* const well = new Well(edge);
     viewer = new TextViewer(title, TextViewer::Lines::Scroll);
     columnIn(well)->addWidget(viewer);
     column->addWidget(well, 1);

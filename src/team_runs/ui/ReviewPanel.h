@@ -1,6 +1,7 @@
 #pragma once
 
 #include "appearance/controls/Card.h"
+#include "appearance/controls/Well.h"
 
 class QProgressBar;
 class QStackedWidget;
@@ -24,7 +25,7 @@ public:
 private:
     QWidget* makeHeader();
     QWidget* makeBody();
-    QWidget* makePane(const QString& title, TextViewer*& viewer);
+    QWidget* makePane(const QString& title, TextViewer*& viewer, Well::Edge edge);
     void refreshHeader();
     void refreshBody();
     void refreshProgress();
