@@ -56,15 +56,15 @@ def read_history(program):
     program.press("History")
     output = program.find("text", "Saved output")
     for number in range(6):
-        program.press(f"Session {number}")
+        program.press(f"Session {number}", role="list item")
         wait_for("the whole entry", lambda: len(text_of(output)) >= 50_000 or number % 2 == 0)
     field = program.find("text", "Search completed sessions…")
     program.click(field)
     type_text("session 4")
-    wait_for("fewer rows", lambda: not program.all("push button", "Session 5"))
+    wait_for("fewer rows", lambda: not program.all("list item", "Session 5"))
     press_key("ctrl+a")
     press_key("BackSpace")
-    program.find("push button", "Session 5")
+    program.find("list item", "Session 5")
 
 
 def edit_the_long_file(program, project):

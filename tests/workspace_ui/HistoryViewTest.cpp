@@ -3,8 +3,14 @@
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
 
+#include <QAccessible>
 #include <QFile>
+#include <QLayout>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <algorithm>
 
 namespace orvo::test {
 namespace {
@@ -32,8 +38,18 @@ protected:
     }
     QStringList titles() {
         QStringList found;
-        for (const auto* row : screen().findChildren<HistoryRow*>())
+        for (const auto* row : rows())
             found.append(row->title());
+        return found;
+    }
+    QList<HistoryRow*> rows() {
+        QList<HistoryRow*> found;
+        // Those that have gone are deleted later.
+        for (auto* row : screen().findChildren<HistoryRow*>()) {
+            if (!row->isHidden()) found.append(row);
+        }
+        if (!found.isEmpty()) found.first()->parentWidget()->layout()->activate();
+        std::ranges::sort(found, {}, [](const HistoryRow* row) { return row->y(); });
         return found;
     }
     QString output() { return find<QPlainTextEdit>(screen(), text("Saved output"))->toPlainText(); }
@@ -57,8 +73,6 @@ TEST_F(HistoryViewTest, ListsSessionsAndSearchesTitlesAndConnectors) {
 
     find<TextField>(screen(), text("Search completed sessions…"))->setText(text("cOdEx"));
     EXPECT_EQ(titles(), QStringList({text("CODEX by title"), text("Add search")}));
-    // The layout shows new rows with the next turn of the event loop.
-    ASSERT_TRUE(waitFor([&] { return shows(screen(), text("Add search")); }));
     press(text("Add search"));
     EXPECT_EQ(output(), text("codex wrote this"));
     EXPECT_TRUE(shows(
@@ -75,6 +89,77 @@ TEST_F(HistoryViewTest, ReadsTheNewestWhenTheChosenOneIsGone) {
     for (int i = 0; i < 50; ++i)
         record("codex", text("later %1").arg(i), text("later output"));
     EXPECT_EQ(output(), text("later output"));
+}
+
+TEST_F(HistoryViewTest, KeepsItsRowsTheFocusAndThePlaceWhenSessionsComeAndGo) {
+    for (int i = 0; i < 50; ++i)
+        record("codex", text("session %1").arg(i), QString());
+    openPage();
+    auto* const list = find<QWidget>(screen(), text("Completed sessions"));
+    auto* const area = qobject_cast<QScrollArea*>(list->parentWidget()->parentWidget());
+    ASSERT_NE(area, nullptr);
+    HistoryRow* const reading = rows()[20];
+    EXPECT_EQ(reading->title(), text("session 29"));
+    reading->setFocus();
+    area->ensureWidgetVisible(reading);
+    const auto place = [&] {
+        return reading->mapTo(area, QPoint());
+    };
+    const QPoint before = place();
+    // One comes in front and the oldest goes.
+    record("codex", text("the newest"), QString());
+    EXPECT_EQ(rows()[21], reading);
+    EXPECT_EQ(screen().focusWidget(), reading);
+    EXPECT_EQ(place(), before);
+    EXPECT_EQ(rows().size(), 50);
+    EXPECT_EQ(rows().first()->title(), text("the newest"));
+    EXPECT_EQ(rows().last()->title(), text("session 1"));
+
+    // At the top, what comes is seen.
+    area->verticalScrollBar()->setValue(0);
+    record("codex", text("one more"), QString());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(area->verticalScrollBar()->value(), 0);
+
+    // A focused row that goes hands the focus to the one in its place, not to another part of the page.
+    rows().last()->setFocus();
+    record("codex", text("and more"), QString());
+    EXPECT_EQ(screen().focusWidget(), rows().last());
+    find<TextField>(screen(), text("Search completed sessions…"))->setText(text("more"));
+    EXPECT_EQ(titles(), QStringList({text("and more"), text("one more")}));
+    EXPECT_EQ(screen().focusWidget(), rows().last());
+    find<TextField>(screen(), text("Search completed sessions…"))->setText(QString());
+    EXPECT_EQ(titles().mid(0, 4),
+              QStringList({text("and more"), text("one more"), text("the newest"), text("session 49")}));
+}
+
+TEST_F(HistoryViewTest, TellsScreenReadersWhichSessionIsRead) {
+    record("codex", text("first"), text("first output"));
+    record("codex", text("second"), text("second output"));
+    openPage();
+    const auto selected = [](HistoryRow* row) {
+        const auto* const interface = QAccessible::queryAccessibleInterface(row);
+        EXPECT_EQ(interface->role(), QAccessible::ListItem);
+        EXPECT_EQ(interface->parent()->role(), QAccessible::List);
+        EXPECT_TRUE(interface->state().selectable);
+        return bool(interface->state().selected);
+    };
+    EXPECT_TRUE(selected(rows()[0]));
+    EXPECT_FALSE(selected(rows()[1]));
+    press(text("first"));
+    EXPECT_FALSE(selected(rows()[0]));
+    EXPECT_TRUE(selected(rows()[1]));
+}
+
+TEST_F(HistoryViewTest, GivesWhatHasNoNameOne) {
+    Provider provider;
+    provider.id = text("nameless");
+    provider.executable = text("~/tools/helper");
+    workspace().assistants().addTemporary(provider);
+    record("nameless", text("  "), text("x"));
+    openPage();
+    EXPECT_EQ(titles(), QStringList{text("Untitled session")});
+    EXPECT_TRUE(rows().first()->accessibleDescription().startsWith(text("helper, ")));
 }
 
 TEST_F(HistoryViewTest, ClearsOnlyAfterTheQuestion) {

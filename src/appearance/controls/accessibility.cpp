@@ -1,6 +1,7 @@
 #include "appearance/controls/accessibility.h"
 
 #include "appearance/controls/AlertSheet.h"
+#include "appearance/controls/ChoiceRow.h"
 #include "appearance/controls/Disclosure.h"
 #include "appearance/controls/HeaderPill.h"
 #include "appearance/controls/NavRow.h"
@@ -205,6 +206,12 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
             return static_cast<const NavRow*>(w)->isCurrent();
         });
     }
+    if (auto* row = qobject_cast<ChoiceRow*>(object)) {
+        return new ChoiceInterface(row, QAccessible::ListItem, [](const QWidget* w) {
+            return static_cast<const ChoiceRow*>(w)->isCurrent();
+        });
+    }
+    if (auto* rows = qobject_cast<ChoiceRows*>(object)) return new QAccessibleWidget(rows, QAccessible::List);
     if (auto* tab = qobject_cast<SessionTab*>(object)) {
         return new ChoiceInterface(tab, QAccessible::PageTab, [](const QWidget* w) {
             return static_cast<const SessionTab*>(w)->isCurrent();

@@ -20,15 +20,17 @@ constexpr int titleLine = 18;
 
 }  // namespace
 
-HistoryRow::HistoryRow(const Lines& lines, QWidget* parent) : Pressable(lines.title, parent), m_lines(lines) {
+HistoryRow::HistoryRow(const Lines& lines, QWidget* parent) : ChoiceRow(QString(), parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAccessibleDescription(QStringLiteral("%1, %2, %3").arg(lines.connector, lines.date, lines.exit));
-    setToolTip(plainToolTip(lines.title.left(400)));
+    setLines(lines);
 }
 
-void HistoryRow::setCurrent(bool current) {
-    if (m_current == current) return;
-    m_current = current;
+void HistoryRow::setLines(const Lines& lines) {
+    if (lines == m_lines) return;
+    m_lines = lines;
+    setTitle(lines.title);
+    setAccessibleDescription(QStringLiteral("%1, %2, %3").arg(lines.connector, lines.date, lines.exit));
+    setToolTip(plainToolTip(lines.title.left(400)));
     update();
 }
 
@@ -37,7 +39,7 @@ void HistoryRow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     QColor fill = blended(Qt::transparent, toQColor(roles.hover), hover());
     if (isDown()) fill = toQColor(roles.pressed);
-    if (m_current) fill = toQColor(roles.selected);
+    if (isCurrent()) fill = toQColor(roles.selected);
     fillRounded(painter, rect(), 8, fill);
     if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
 
@@ -54,7 +56,7 @@ void HistoryRow::paintEvent(QPaintEvent*) {
     QFont connector = fontOf(TypeRole::Badge);
     connector.setPixelSize(connectorPixels);
     const QFont caption = fontOf(TypeRole::Caption);
-    const Rgb muted = m_current ? roles.mutedOnSelected : roles.muted;
+    const Rgb muted = isCurrent() ? roles.mutedOnSelected : roles.muted;
     const int exitWidth = QFontMetrics(caption).horizontalAdvance(m_lines.exit);
     line(connector, roles.accent, connectorTop, smallLine, m_lines.connector, Qt::AlignLeft, room);
     line(fontOf(TypeRole::Control), roles.text, titleTop, titleLine, m_lines.title, Qt::AlignLeft, room);

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "appearance/controls/Pressable.h"
+#include "appearance/controls/ChoiceRow.h"
 
 namespace orvo {
 
 /// One finished session in the list: connector, title, date and exit code, in three lines. Named by its
 /// title.
-class HistoryRow final : public Pressable {
+class HistoryRow final : public ChoiceRow {
     Q_OBJECT
 
 public:
@@ -15,13 +15,13 @@ public:
         QString title;
         QString date;
         QString exit;
+
+        bool operator==(const Lines&) const = default;
     };
 
     explicit HistoryRow(const Lines& lines, QWidget* parent = nullptr);
 
-    bool isCurrent() const { return m_current; }
-    /// Whether this is the session that is being read.
-    void setCurrent(bool current);
+    void setLines(const Lines& lines);
 
     QSize sizeHint() const override { return {240, 64}; }
     QSize minimumSizeHint() const override { return {120, 64}; }
@@ -31,7 +31,6 @@ protected:
 
 private:
     Lines m_lines;
-    bool m_current = false;
 };
 
 }  // namespace orvo

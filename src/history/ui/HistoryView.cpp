@@ -18,6 +18,8 @@
 
 #include <QLocale>
 #include <QResizeEvent>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -36,6 +38,11 @@ QString dateOf(const HistoryEntry& entry) {
 
 QString exitOf(const HistoryEntry& entry) {
     return HistoryView::tr("Exit %1").arg(entry.exitCode);
+}
+
+QString titleOf(const HistoryEntry& entry) {
+    const bool blank = entry.title.left(400).trimmed().isEmpty();
+    return blank ? HistoryView::tr("Untitled session") : entry.title;
 }
 
 }  // namespace
@@ -76,10 +83,12 @@ QWidget* HistoryView::makeList() {
     auto* const field = rowIn(nullptr, 0, QMargins(0, 0, 8, 0));
     field->addWidget(m_query);
     column->addLayout(field);
-    auto* const rows = new QWidget;
+    auto* const rows = new ChoiceRows;
+    rows->setAccessibleName(tr("Completed sessions"));
     m_rows = columnIn(rows, 2, QMargins(0, 0, 8, 0));
     m_rows->addStretch();
-    column->addWidget(scrolling(rows), 1);
+    m_list = scrolling(rows);
+    column->addWidget(m_list, 1);
     m_nothingFound = new TextLabel(tr("No session matches."), TypeRole::Caption, Ink::Muted);
     m_nothingFound->setContentsMargins(10, 0, 0, 0);
     column->insertWidget(1, m_nothingFound);
@@ -150,7 +159,7 @@ bool HistoryView::isListed(const HistoryEntry& entry) const {
 // As it is named now; a connector that is gone has only its id.
 QString HistoryView::connectorName(const HistoryEntry& entry) const {
     const Provider provider = m_workspace.assistants().provider(entry.provider);
-    return provider.id == entry.provider && !provider.name.isEmpty() ? provider.name : entry.provider;
+    return provider.id == entry.provider ? provider.shownName() : entry.provider;
 }
 
 void HistoryView::refreshEntries() {
@@ -158,21 +167,72 @@ void HistoryView::refreshEntries() {
     m_empty->setVisible(entries.isEmpty());
     m_columns->setVisible(!entries.isEmpty());
     m_clear->setEnabled(!entries.isEmpty());
-    emptyLayout(*m_rows);
-    m_rowOf.clear();
-    for (const HistoryEntry& entry : entries) {
-        if (!isListed(entry)) continue;
-        auto* const row = new HistoryRow({connectorName(entry), entry.title, dateOf(entry), exitOf(entry)});
-        connect(row, &HistoryRow::clicked, this, [this, id = entry.id] {
-            m_selected = id;
-            refreshDetail();
-        });
-        m_rowOf.append({entry.id, row});
-        m_rows->addWidget(row);
-    }
-    m_rows->addStretch();
+    refreshRows();
     m_nothingFound->setVisible(m_rowOf.isEmpty());
     refreshDetail();
+}
+
+// Rows stay with their sessions, and with them the focus and what is in sight.
+void HistoryView::refreshRows() {
+    const QWidget* const top = firstRowInSight();
+    const int topBefore = top ? top->y() : 0;
+    QList<Row> former = std::exchange(m_rowOf, {});
+    const QWidget* const focused = window()->focusWidget();
+    const auto isFocused = [focused](const Row& row) {
+        return row.second == focused;
+    };
+    const qsizetype focusedAt = std::ranges::find_if(former, isFocused) - former.begin();
+    for (const HistoryEntry& entry : m_workspace.history().entries()) {
+        if (!isListed(entry)) continue;
+        const HistoryRow::Lines lines{connectorName(entry), titleOf(entry), dateOf(entry), exitOf(entry)};
+        const auto known = std::ranges::find(former, entry.id, &Row::first);
+        HistoryRow* row = nullptr;
+        if (known != former.end()) {
+            row = known->second;
+            row->setLines(lines);
+            former.erase(known);
+        } else {
+            row = new HistoryRow(lines);
+            connect(row, &HistoryRow::clicked, this, [this, id = entry.id] {
+                m_selected = id;
+                refreshDetail();
+            });
+        }
+        const int place = static_cast<int>(m_rowOf.size());
+        if (m_rows->indexOf(row) != place) {
+            m_rows->removeWidget(row);
+            m_rows->insertWidget(place, row);
+            row->show();  // at once, so that it has its height below
+        }
+        m_rowOf.append({entry.id, row});
+    }
+    for (const auto& [id, row] : std::as_const(former)) {
+        if (row == focused && !m_rowOf.isEmpty())
+            m_rowOf[std::min(focusedAt, m_rowOf.size() - 1)].second->setFocus(Qt::OtherFocusReason);
+        m_rows->removeWidget(row);
+        row->hide();
+        row->deleteLater();  // it may be what is being pressed
+    }
+    const bool stays = std::ranges::any_of(m_rowOf, [top](const Row& row) { return row.second == top; });
+    if (stays) keepInSight(*top, topBefore);
+}
+
+const QWidget* HistoryView::firstRowInSight() const {
+    // At the very top, what is new is to be seen.
+    const int scrolled = m_list->verticalScrollBar()->value();
+    if (scrolled == 0) return nullptr;
+    const auto found = std::ranges::find_if(
+        m_rowOf, [scrolled](const Row& row) { return row.second->geometry().bottom() >= scrolled; });
+    return found == m_rowOf.end() ? nullptr : found->second;
+}
+
+void HistoryView::keepInSight(const QWidget& row, int before) {
+    // The range follows the height, which the layout would take over with the next turn of the event loop.
+    QWidget* const rows = m_list->widget();
+    m_rows->activate();
+    rows->resize(rows->width(), std::max(m_list->viewport()->height(), rows->sizeHint().height()));
+    QScrollBar* const bar = m_list->verticalScrollBar();
+    bar->setValue(bar->value() + row.y() - before);
 }
 
 void HistoryView::refreshDetail() {
@@ -182,7 +242,7 @@ void HistoryView::refreshDetail() {
         row->setCurrent(id == entry->id);
     const Provider provider = m_workspace.assistants().provider(entry->provider);
     m_tile->setIcon(provider.icon, colorFromHex(provider.colorHex.toStdString()));
-    m_title->setText(entry->title.simplified());
+    m_title->setText(titleOf(*entry).simplified());
     const QString separator = QStringLiteral("  ·  ");
     m_details->setText(
         QStringList{connectorName(*entry), entry->directory.display(), dateOf(*entry), exitOf(*entry)}.join(

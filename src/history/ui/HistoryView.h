@@ -6,6 +6,7 @@
 #include <optional>
 
 class QBoxLayout;
+class QScrollArea;
 
 namespace orvo {
 
@@ -31,6 +32,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    using Row = std::pair<QUuid, HistoryRow*>;
+
     QWidget* makeList();
     QWidget* makeDetail();
     QWidget* makeDetailHeader();
@@ -39,6 +42,11 @@ private:
     bool isListed(const HistoryEntry& entry) const;
     QString connectorName(const HistoryEntry& entry) const;
     void refreshEntries();
+    void refreshRows();
+    /// The row at the upper edge of a list that is scrolled down; null at its top.
+    const QWidget* firstRowInSight() const;
+    /// Scrolls by as much as the row has moved since it was at `before`.
+    void keepInSight(const QWidget& row, int before);
     void refreshDetail();
     void clearHistory();
     void exportShown();
@@ -53,7 +61,8 @@ private:
     TextField* m_query = nullptr;
     QBoxLayout* m_rows = nullptr;
     QWidget* m_nothingFound = nullptr;
-    QList<std::pair<QUuid, HistoryRow*>> m_rowOf;
+    QScrollArea* m_list = nullptr;
+    QList<Row> m_rowOf;
     IconTile* m_tile = nullptr;
     ElidedLabel* m_title = nullptr;
     ElidedLabel* m_details = nullptr;
