@@ -259,8 +259,7 @@ private:
 
     // Texts that nobody planned for, where they are many.
     void takeRough() {
-        while (!workspace().sessions().empty())
-            workspace().closeSession(workspace().sessions().front());
+        closeAllSessions();
         int number = 0;
         for (const QString& rough : test::roughTexts() + QStringList{QString()}) {
             Provider provider;
@@ -302,6 +301,15 @@ private:
             QStringLiteral("Add offline search to the notes list. Keep the current layout, cover it with "
                            "tests,\nand tell me how to try it."));
         take("deck-focus");
+    }
+
+    // Stopped first: what still runs would be asked about.
+    void closeAllSessions() {
+        workspace().stopAll();
+        (void)test::waitFor([this] { return !workspace().anySessionRunning(); });
+        const auto sessions = workspace().sessions();
+        for (const auto& session : sessions)
+            workspace().closeSession(session);
     }
 
     Workspace& workspace() { return m_application->workspace(); }
@@ -404,10 +412,7 @@ private:
         take("team-runs-review");
         press("Output");
         workspace().setDestination(Destination::Runs);
-        workspace().stopAll();
-        (void)test::waitFor([this] { return !workspace().anySessionRunning(); });
-        while (!workspace().sessions().empty())
-            workspace().closeSession(workspace().sessions().front());
+        closeAllSessions();
         press("Output");
         take("team-runs-output");
         press("Done");
