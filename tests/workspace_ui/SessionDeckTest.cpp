@@ -175,6 +175,29 @@ TEST_F(SessionDeckTest, aTabShowsThatItsSessionWantsThePerson) {
     EXPECT_TRUE(entry->toolTip().isEmpty());
 }
 
+TEST_F(SessionDeckTest, longTitlesGiveWayBeforeShortOnesDo) {
+    screen(QSize(1180, 712));
+    start(1);
+    for (const char* const word : {"Long", "Longer", "Longest"}) {
+        workspace().startSession(QStringLiteral("shell"), QString::fromLatin1(word).repeated(12),
+                                 QStringLiteral("sleep 60"), *workspace().folder());
+    }
+    ASSERT_TRUE(test::waitFor([&] { return tabs().size() == 4; }));
+    EXPECT_EQ(tabs().at(0)->width(), tabs().at(0)->sizeHint().width());
+    for (const int tab : {1, 2, 3})
+        EXPECT_LT(tabs().at(tab)->width(), tabs().at(tab)->sizeHint().width());
+    EXPECT_EQ(tabs().at(1)->width(), tabs().at(3)->width());
+    EXPECT_TRUE(tabs().at(0)->visibleRegion().boundingRect() == tabs().at(0)->rect()) << "nothing scrolls";
+
+    // With room, every one is as wide as its title.
+    while (workspace().sessions().size() > 2) {
+        m_dialogs.answer(QStringLiteral("Stop session"));
+        workspace().closeSession(workspace().sessions().back());
+    }
+    ASSERT_TRUE(test::waitFor([&] { return tabs().size() == 2; }));
+    EXPECT_EQ(tabs().at(1)->width(), tabs().at(1)->sizeHint().width());
+}
+
 TEST_F(SessionDeckTest, twelveSessionsInTheSmallestWindowScroll) {
     screen(QSize(1180, 712));
     start(12);

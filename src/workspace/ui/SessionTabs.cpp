@@ -9,6 +9,8 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
+#include <algorithm>
+
 namespace orvo {
 namespace {
 
@@ -83,7 +85,28 @@ void SessionTabs::refreshTabs() {
         m_row->insertWidget(m_row->count() - 1, tab);
         m_tabs.insert(session->id(), tab);
     }
+    fitTabs();
     refreshActive();
+}
+
+// Where room is short the longest titles give way first, so that short ones stay whole.
+void SessionTabs::fitTabs() {
+    QList<int> wanted;
+    for (const SessionTab* const tab : std::as_const(m_tabs))
+        wanted.append(tab->sizeHint().width());
+    std::ranges::sort(wanted);
+    int room = viewport()->width() - gap * static_cast<int>(wanted.size() - 1);
+    int widest = 0;
+    for (qsizetype i = 0; i < wanted.size(); ++i) {
+        const int share = room / static_cast<int>(wanted.size() - i);
+        widest = std::min(wanted[i], share);
+        if (wanted[i] > share) break;
+        room -= wanted[i];
+    }
+    for (SessionTab* const tab : std::as_const(m_tabs)) {
+        const int width = std::min(tab->sizeHint().width(), widest);
+        tab->setFixedWidth(std::max(width, tab->minimumSizeHint().width()));
+    }
 }
 
 void SessionTabs::refreshMark(SessionTab& tab, const QUuid& id) const {
@@ -140,6 +163,7 @@ void SessionTabs::wheelEvent(QWheelEvent* event) {
 
 void SessionTabs::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
+    fitTabs();
     refreshActive();
 }
 

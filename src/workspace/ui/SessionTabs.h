@@ -32,6 +32,7 @@ protected:
 private:
     void rebuild();
     void refreshTabs();
+    void fitTabs();
     void refreshActive();
     void refreshMark(SessionTab& tab, const QUuid& id) const;
 
