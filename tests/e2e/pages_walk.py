@@ -486,11 +486,11 @@ def history(walk):
     walk.go("History")
     # Another project is open, so that one sees the way back.
     walk.press("tide archive", shows="Workspace opened: tide archive")
-    rows = [control for control in walk.look() if control.role == "push button" and control.about.endswith("Exit 0")]
+    rows = [control for control in walk.look() if control.role == "list item" and control.about.endswith("Exit 0")]
     assert len(rows) >= 4, rows
     # The newest last: its folder is the project and no copy.
     for row in reversed(rows):
-        walk.press(row.name, about=row.about)
+        walk.press(row.name, about=row.about, role="list item")
     walk.fill("Search completed sessions…", "no such title", shows="No session matches.")
     walk.fill("Search completed sessions…", "CODEX")
     wait_for("fewer rows", lambda: 0 < len([control for control in walk.look() if control.about.endswith("Exit 0")])
