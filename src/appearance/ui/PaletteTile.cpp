@@ -73,18 +73,20 @@ void PaletteTile::paintEvent(QPaintEvent*) {
                          : blended(toQColor(roles.surface), toQColor(roles.cardHover), hover()));
     paintSwatch(painter, QRectF(padding, padding, width() - 2 * padding, swatchHeight));
 
-    const int textWidth = width() - 2 * padding - (isChecked() ? markSize + 8 : 0);
+    const int textWidth = width() - 2 * padding;
+    // The mark stands beside the title, which is short; the line below needs all the room there is.
+    const int titleWidth = textWidth - (isChecked() ? markSize + 8 : 0);
     painter.setFont(fontOf(TypeRole::Name));
     painter.setPen(toQColor(roles.text));
-    painter.drawText(QRect(padding, textTop, textWidth, titleHeight), Qt::AlignVCenter | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(title(), Qt::ElideRight, textWidth));
+    painter.drawText(QRect(padding, textTop, titleWidth, titleHeight), Qt::AlignVCenter | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(title(), Qt::ElideRight, titleWidth));
     painter.setFont(fontOf(TypeRole::Caption));
     painter.setPen(toQColor(roles.muted));
     painter.drawText(QRect(padding, textTop + titleHeight, textWidth, subtitleHeight),
                      Qt::AlignVCenter | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(m_preset.subtitle, Qt::ElideRight, textWidth));
     if (isChecked()) {
-        paintSymbol(painter, QRectF(width() - padding - markSize, textTop + 10, markSize, markSize),
+        paintSymbol(painter, QRectF(width() - padding - markSize, textTop + (titleHeight - markSize) / 2.0, markSize, markSize),
                     QStringLiteral("checkmark.circle.fill"), toQColor(roles.accent), markSize);
     }
     if (isFocusVisible() || isChecked()) {

@@ -3,6 +3,7 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/TextLabel.h"
 #include "appearance/controls/TextViewer.h"
+#include "appearance/controls/Well.h"
 #include "appearance/controls/layouts.h"
 
 namespace orvo {
@@ -31,7 +32,9 @@ OutputSheet::OutputSheet(const QString& output, QWidget* window)
     connect(m_done, &OrvoButton::clicked, this, &Sheet::dismiss);
     auto* const text = new Output(tr("Assistant output"), TextViewer::Lines::Wrap);
     text->setText(output);
-    setContent(header, text, nullptr);
+    auto* const well = new Well;
+    columnIn(well, 0, QMargins(1, 1, 1, 1))->addWidget(text);
+    setContent(header, well, nullptr);
 }
 
 void OutputSheet::present() {
