@@ -38,6 +38,8 @@ TEST_P(RolesOfPreset, TextIsReadableWhereverItIsWritten) {
         {"muted on a lit card", r.muted, r.cardHover},
         {"muted on a pressed card", r.muted, r.cardPressed},
         {"muted on a lit row", r.muted, over(r.hover, r.bg)},
+        {"caption on a lit row of a card", r.muted, over(r.hover, r.surface)},
+        {"name on a selected row", r.accent, over(r.selected, r.surface)},
         {"caption on a selected row", r.mutedOnSelected, over(r.selected, r.surface)},
         {"primary button", r.onAccent, r.accent},
         {"lit primary button", r.onAccent, r.accentHover},

@@ -39,6 +39,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <functional>
 
 using namespace orvo;
 
@@ -203,6 +204,7 @@ public:
             workspace().setDestination(Destination::History);
             take("history-filled");
         }
+        if (wants("preparing")) takePreparing();
         if (wants("mac-actions")) takeMacActions();
         if (wants("desktop")) takeDesktop();
         if (wants("deck")) takeDecks();
@@ -252,7 +254,8 @@ private:
                               "Project: ~/harbor-notes\nChanged: README.md\nAdded: tides.txt\n\n"
                               "Original files are backed up inside this run. Conflicting changes "
                               "are blocked."),
-                          .buttons = {QStringLiteral("Apply changes"), QStringLiteral("Cancel")}});
+                          .buttons = {QStringLiteral("Apply changes"), QStringLiteral("Cancel")},
+                          .defaultButton = Alert::Default::FirstButton});
         alert.open(nullptr);
         take("alert");
     }
@@ -419,6 +422,34 @@ private:
         workspace().setPrompt(QString());
     }
 
+    // A run of a project whose copies take a while.
+    void takePreparing() {
+        QDir project(QFile::decodeName(workspace().folder()->bytes()));
+        project.mkpath(QStringLiteral("pictures"));
+        const QByteArray picture(28'000, 'x');
+        for (int number = 0; number < 4900; ++number) {
+            QFile file(project.filePath(QStringLiteral("pictures/%1.raw").arg(number)));
+            if (file.open(QIODevice::WriteOnly)) file.write(picture);
+        }
+        workspace().setDestination(Destination::Workspace);
+        workspace().setSelectedProviders(
+            {QStringLiteral("claude"), QStringLiteral("codex"), QStringLiteral("kimi")});
+        workspace().setPrompt(QStringLiteral("Sort the pictures by place and write an index of them."));
+        take("preparing", [this] {
+            workspace().cancelPreparation();
+            m_clock.advance(std::chrono::seconds(4));
+            settle();
+            workspace().dispatchPrompt();
+            if (!test::waitFor([this] { return !workspace().preparationStatus().isEmpty(); }))
+                std::fputs("a preparation said nothing\n", stderr);
+        });
+        workspace().cancelPreparation();
+        m_clock.advance(std::chrono::seconds(4));
+        workspace().setPrompt(QString());
+        project.cd(QStringLiteral("pictures"));
+        project.removeRecursively();
+    }
+
     // A plan of which one step has been carried out, and the tools for working by hand.
     void takeMacActions() {
         QFile codex(m_folder.filePath(QStringLiteral(".local/bin/codex")));
@@ -506,12 +537,14 @@ private:
             std::fputs("a session printed nothing\n", stderr);
     }
 
-    void take(const QByteArray& state) {
+    /// `arrange` brings about, at each size anew, what would be over by the next.
+    void take(const QByteArray& state, const std::function<void()>& arrange = {}) {
         if (!state.startsWith(m_only)) return;
         for (const QSize size : sizes) {
             MainWindow& window = *m_application->window();
             window.resize(size);
             settle();
+            if (arrange) arrange();
             const QString folder = QStringLiteral("%1/%2x%3@%4")
                                        .arg(m_preset.id)
                                        .arg(size.width())
