@@ -52,6 +52,16 @@ protected:
         std::ranges::sort(found, {}, [](const HistoryRow* row) { return row->y(); });
         return found;
     }
+    /// As a screen reader goes through them.
+    QStringList readTitles() {
+        const auto* const list =
+            QAccessible::queryAccessibleInterface(find<QWidget>(screen(), text("Completed sessions")));
+        QStringList found;
+        for (int i = 0; i < list->childCount(); ++i) {
+            if (!list->child(i)->state().invisible) found.append(list->child(i)->text(QAccessible::Name));
+        }
+        return found;
+    }
     QString output() { return find<QPlainTextEdit>(screen(), text("Saved output"))->toPlainText(); }
 };
 
@@ -114,6 +124,7 @@ TEST_F(HistoryViewTest, KeepsItsRowsTheFocusAndThePlaceWhenSessionsComeAndGo) {
     EXPECT_EQ(rows().size(), 50);
     EXPECT_EQ(rows().first()->title(), text("the newest"));
     EXPECT_EQ(rows().last()->title(), text("session 1"));
+    EXPECT_EQ(readTitles(), titles());
 
     // At the top, what comes is seen.
     area->verticalScrollBar()->setValue(0);
@@ -131,6 +142,7 @@ TEST_F(HistoryViewTest, KeepsItsRowsTheFocusAndThePlaceWhenSessionsComeAndGo) {
     find<TextField>(screen(), text("Search completed sessions…"))->setText(QString());
     EXPECT_EQ(titles().mid(0, 4),
               QStringList({text("and more"), text("one more"), text("the newest"), text("session 49")}));
+    EXPECT_EQ(readTitles(), titles());
 }
 
 TEST_F(HistoryViewTest, TellsScreenReadersWhichSessionIsRead) {

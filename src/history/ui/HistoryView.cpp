@@ -203,6 +203,11 @@ void HistoryView::refreshRows() {
             m_rows->removeWidget(row);
             m_rows->insertWidget(place, row);
             row->show();  // at once, so that it has its height below
+            // Screen readers go by the order of the children.
+            if (QWidget* const next = m_rows->itemAt(place + 1)->widget())
+                row->stackUnder(next);
+            else
+                row->raise();
         }
         m_rowOf.append({entry.id, row});
     }
