@@ -44,6 +44,7 @@ TEST_P(RolesOfPreset, TextIsReadableWhereverItIsWritten) {
         {"primary button", r.onAccent, r.accent},
         {"lit primary button", r.onAccent, r.accentHover},
         {"pressed primary button", r.onAccent, r.accentPressed},
+        {"button at work, faded", r.text, over({r.accent, 0.4}, r.surface)},
         {"destroying button", r.onDanger, r.danger},
         {"pressed destroying button", r.onDanger, r.dangerFillPressed},
         {"error on the page", r.danger, r.bg},

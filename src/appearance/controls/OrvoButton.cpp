@@ -75,6 +75,12 @@ void OrvoButton::setFlush(bool flush) {
     update();
 }
 
+void OrvoButton::setBusy(bool busy) {
+    if (busy == m_busy) return;
+    m_busy = busy;
+    update();
+}
+
 void OrvoButton::setMenu(QMenu* menu) {
     m_menu = menu;
     connect(this, &QAbstractButton::clicked, menu, [this, menu] {
@@ -95,6 +101,7 @@ QSize OrvoButton::sizeHint() const {
 
 QColor OrvoButton::inkNow() const {
     const Roles& roles = rolesOf(this);
+    if (isBusy()) return toQColor(isFilled() ? roles.text : roles.muted);
     switch (m_kind) {
         case Kind::Primary:
             return toQColor(roles.onAccent);
@@ -116,7 +123,7 @@ QColor OrvoButton::inkNow() const {
 }
 
 QColor OrvoButton::iconInkNow() const {
-    if (m_kind != Kind::Outlined) return inkNow();
+    if (m_kind != Kind::Outlined || isBusy()) return inkNow();
     const Roles& roles = rolesOf(this);
     return blended(toQColor(roles.muted), toQColor(roles.text), hover());
 }
@@ -163,6 +170,7 @@ void OrvoButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setOpacity(controlOpacity());
     paintBox(painter);
+    if (isBusy()) painter.setOpacity(1);
 
     const Measures m = measuresOf(m_size);
     if (m_kind == Kind::MenuOutlined) {

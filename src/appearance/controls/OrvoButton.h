@@ -42,6 +42,8 @@ public:
     /// A plain button whose text begins and ends at its edges, so that it lines up with what stands above and
     /// below it. Its ink alone tells hover.
     void setFlush(bool flush);
+    /// For a button that is disabled while it does what its title then says: the title stays readable.
+    void setBusy(bool busy);
     /// Pops up below the button when it is pressed. The button does not own the menu.
     void setMenu(QMenu* menu);
     QMenu* menu() const { return m_menu; }
@@ -56,6 +58,7 @@ private:
     bool isSquare() const { return m_kind == Kind::Icon || m_kind == Kind::IconOutlined; }
     bool hidesTitle() const { return isSquare() || m_kind == Kind::MenuOutlined; }
     bool isFilled() const { return m_kind == Kind::Primary || m_kind == Kind::DestructiveFilled; }
+    bool isBusy() const { return m_busy && !isEnabled(); }
     bool isBare() const { return m_kind == Kind::Link || m_flush; }
     void adoptKind();
     void paintBox(QPainter& painter) const;
@@ -68,6 +71,7 @@ private:
     Size m_size;
     IconSide m_iconSide = IconSide::Leading;
     bool m_flush = false;
+    bool m_busy = false;
 };
 
 }  // namespace orvo

@@ -21,7 +21,7 @@ TaskEditor::TaskEditor(const QString& label, const QString& placeholder, QWidget
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
-    document()->setDocumentMargin(2);
+    document()->setDocumentMargin(textInset);
     setCursorWidth(0);  // the caret is painted below, in the accent
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { m_caret.restart(); });
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

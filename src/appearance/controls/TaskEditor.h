@@ -12,6 +12,9 @@ class TaskEditor final : public QPlainTextEdit {
     Q_OBJECT
 
 public:
+    /// The text begins this far inside the editor.
+    static constexpr int textInset = 2;
+
     TaskEditor(const QString& label, const QString& placeholder, QWidget* parent = nullptr);
 
     void setGrowth(int least, int most);

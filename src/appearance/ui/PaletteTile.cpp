@@ -86,7 +86,9 @@ void PaletteTile::paintEvent(QPaintEvent*) {
                      Qt::AlignVCenter | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(m_preset.subtitle, Qt::ElideRight, textWidth));
     if (isChecked()) {
-        paintSymbol(painter, QRectF(width() - padding - markSize, textTop + (titleHeight - markSize) / 2.0, markSize, markSize),
+        paintSymbol(painter,
+                    QRectF(width() - padding - markSize, textTop + (titleHeight - markSize) / 2.0, markSize,
+                           markSize),
                     QStringLiteral("checkmark.circle.fill"), toQColor(roles.accent), markSize);
     }
     if (isFocusVisible() || isChecked()) {

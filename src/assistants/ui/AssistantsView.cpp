@@ -58,6 +58,7 @@ QWidget* AssistantsView::makeActions() {
 
 void AssistantsView::refreshCheck() {
     const bool checking = m_workspace.assistants().checkingConnections();
+    m_check->setBusy(checking);
     m_check->setTitle(checking ? tr("Checking accounts…") : tr("Check connections"));
     m_check->setEnabled(!checking);
 }

@@ -140,6 +140,7 @@ void ComputerActionsView::refreshTask() {
 void ComputerActionsView::refreshPlanning() {
     const ComputerPlanner& planner = m_actions.planner();
     m_stopPlanning->setVisible(planner.planning());
+    m_makePlan->setBusy(planner.planning());
     m_makePlan->setTitle(planner.planning() ? tr("Making plan…") : tr("Make a plan"));
     m_makePlan->setEnabled(!planner.planning() && !planner.executing() &&
                            !planner.task().trimmed().isEmpty());
@@ -149,6 +150,7 @@ void ComputerActionsView::refreshExecution() {
     const ComputerPlanner& planner = m_actions.planner();
     const bool executing = planner.executing();
     const bool hasNext = planner.plan() && planner.completed() < planner.plan()->steps.size();
+    m_runNext->setBusy(executing);
     m_runNext->setTitle(executing ? tr("Sending step…") : tr("Run next step"));
     m_runNext->setEnabled(hasNext && !executing && !planner.planning());
     const auto session = planner.session();

@@ -20,11 +20,14 @@ constexpr int aboveText = 7;
 /// Heights of the text; with the air above it the usual one makes 60.
 constexpr int leastText = 53;
 constexpr int mostText = 153;
+/// What stands above and below the text begins where the text does.
+constexpr QMargins besideText(TaskEditor::textInset, 0, TaskEditor::textInset, 0);
 
 }  // namespace
 
 Composer::Composer(Workspace& workspace, QWidget* parent) : Card(parent), m_workspace(workspace) {
-    auto* const column = columnIn(this, 0, QMargins(padding + 1, padding + 1, padding + 1, padding + 1));
+    constexpr int side = padding + 1 - TaskEditor::textInset;
+    auto* const column = columnIn(this, 0, QMargins(side, padding + 1, side, padding + 1));
     column->addWidget(makeModeRow());
     m_task = new TaskEditor(tr("Task for selected assistants"), tr("What would you like to build?"));
     connect(m_task, &TaskEditor::textChanged, this, [this] { m_workspace.setPrompt(m_task->toPlainText()); });
@@ -53,7 +56,7 @@ void Composer::focusTask() {
 
 QWidget* Composer::makeModeRow() {
     auto* const host = new QWidget;
-    auto* const row = rowIn(host, 8);
+    auto* const row = rowIn(host, 8, besideText);
     row->addWidget(new TextLabel(tr("Working mode"), TypeRole::Caption, Ink::Muted));
     m_mode = new SegmentedControl({tr("Shared folder"), tr("Separate copies")});
     m_mode->setAccessibleName(tr("Working mode"));
@@ -66,7 +69,7 @@ QWidget* Composer::makeModeRow() {
 
 QWidget* Composer::makeActionRow() {
     auto* const host = new QWidget;
-    auto* const row = rowIn(host, 8);
+    auto* const row = rowIn(host, 8, besideText);
     m_noFolder = new QWidget;
     auto* const noFolder = rowIn(m_noFolder, 6, QMargins(0, 0, 8, 0));
     noFolder->addWidget(new Symbol(QStringLiteral("folder"), 14, Ink::Muted));
@@ -105,6 +108,7 @@ void Composer::refreshStatus() {
 
 void Composer::refreshSending() {
     const bool preparing = m_workspace.preparingRun();
+    m_send->setBusy(preparing);
     m_send->setTitle(preparing ? tr("Preparing…") : tr("Run task"));
     m_send->setEnabled(!preparing);
     m_cancel->setVisible(preparing);
