@@ -205,6 +205,7 @@ TEST_F(SessionDeckTest, twelveSessionsInTheSmallestWindowScroll) {
     EXPECT_GE(last->height(), 168);
     EXPECT_FALSE(last->visibleRegion().isEmpty()) << "the newest session is in view";
     EXPECT_TRUE(pane(0)->visibleRegion().isEmpty());
+    EXPECT_EQ(tabs().last()->visibleRegion().boundingRect(), tabs().last()->rect()) << "and its tab";
     workspace().setActiveSessionID(id(0));
     EXPECT_EQ(pane(0)->visibleRegion().boundingRect(), pane(0)->rect());
 

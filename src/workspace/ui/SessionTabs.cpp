@@ -84,6 +84,7 @@ void SessionTabs::refreshTabs() {
         tab->installEventFilter(this);
         m_row->insertWidget(m_row->count() - 1, tab);
         m_tabs.insert(session->id(), tab);
+        tab->show();
     }
     fitTabs();
     refreshActive();
@@ -107,6 +108,9 @@ void SessionTabs::fitTabs() {
         const int width = std::min(tab->sizeHint().width(), widest);
         tab->setFixedWidth(std::max(width, tab->minimumSizeHint().width()));
     }
+    // At once, so that a tab that is new can be scrolled to.
+    m_row->activate();
+    widget()->resize(std::max(viewport()->width(), m_row->sizeHint().width()), widget()->height());
 }
 
 void SessionTabs::refreshMark(SessionTab& tab, const QUuid& id) const {
