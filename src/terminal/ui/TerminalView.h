@@ -74,7 +74,6 @@ public Q_SLOTS:
     void paste();
 
 Q_SIGNALS:
-    void scrollOffsetChanged();
     void focusChanged();
     /// The person wants to find something in this terminal.
     void findRequested();
