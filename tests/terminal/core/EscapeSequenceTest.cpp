@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <span>
-
 namespace orvo::test {
 namespace {
 
@@ -12,15 +10,7 @@ constexpr std::string_view letters = "aaaaa\nbbbbb\nccccc\nddddd\neeeee";
 
 /// The case's bytes on a grid of 5 × 10 that shows `letters`, with the cursor behind the last one.
 void expectOnLetters(std::span<const ScreenCase> cases) {
-    for (const ScreenCase& example : cases) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(5, 10);
-        screen.feed("aaaaa\r\nbbbbb\r\nccccc\r\nddddd\r\neeeee");
-        screen.feed(example.bytes);
-        screen.assertInvariants();
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(cases, 5, 10, "aaaaa\r\nbbbbb\r\nccccc\r\nddddd\r\neeeee");
 }
 
 TEST(EscapeSequence, MovesTheCursorWithinTheScreen) {
@@ -80,15 +70,7 @@ TEST(EscapeSequence, ErasesInsertsAndDeletes) {
         {"what was deleted does not come back before text", "\x1B[M\x1B[M\x1B[M\x1B[6Gx", "     x", "0,6"},
         {"erasing leaves a pending wrap", "789\x1B[KX", "012345678\nX", "1,1"},
     };
-    for (const ScreenCase& example : onLine) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(3, 10);
-        screen.feed("0123456");
-        screen.feed(example.bytes);
-        screen.assertInvariants();
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(onLine, 3, 10, "0123456");
 }
 
 TEST(EscapeSequence, ScrollsTheRegionOnly) {
@@ -167,13 +149,7 @@ TEST(EscapeSequence, WhatIsNotKnownIsConsumedWhole) {
         {"CAN and SUB end a string", "\x1B]2;a\x18x\x1BPq\x1Ay\x1B]2;a\x1B\x18z", "xyz", "0,3"},
         {"neither ESC ESC nor a bell after ESC ends one", "\x1B]2;a\x1B\x1B\\b\x1B\a\x1B[C\a|", "|", "0,1"},
     };
-    for (const ScreenCase& example : cases) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(3, 10);
-        screen.feed(example.bytes);
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(cases, 3, 10);
 }
 
 TEST(EscapeSequence, Of512ScalarsStillCountsAndALongerOneIsAbandoned) {
@@ -239,23 +215,6 @@ TEST(EscapeSequence, TheFullResetDiscardsTheSavedScreenAndKeepsHistory) {
     EXPECT_EQ(cursorOf(screen), "0,0");
     screen.feed("\x1B[3J");
     EXPECT_EQ(screen.scrollbackCount(), 0);
-}
-
-std::string describe(const TerminalCell& cell) {
-    const auto color = [](CellColor value) {
-        return value.isDefault() ? "-" : hexOf(*value.color());
-    };
-    const auto has = [&cell](TerminalCell::Attribute attribute, const char* name) {
-        return (cell.attributes & attribute) != 0 ? name : "";
-    };
-    return color(cell.foreground) + " " + color(cell.background) + (cell.bold() ? " bold" : "") +
-           (cell.inverse() ? " inverse" : "") + has(TerminalCell::Dim, " dim") +
-           has(TerminalCell::Italic, " italic") +
-           (cell.underline() != TerminalCell::Underline::None
-                ? " underline" + std::to_string(static_cast<int>(cell.underline()))
-                : "") +
-           has(TerminalCell::Conceal, " conceal") + has(TerminalCell::Strike, " strike") +
-           has(TerminalCell::Overline, " overline");
 }
 
 TEST(EscapeSequence, GraphicRenditionStylesWhatFollows) {

@@ -11,14 +11,7 @@ namespace {
 
 /// The case's bytes on an empty grid of 4 × 20.
 void expectOnEmpty(std::span<const ScreenCase> cases) {
-    for (const ScreenCase& example : cases) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(4, 20);
-        screen.feed(example.bytes);
-        screen.assertInvariants();
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(cases, 4, 20);
 }
 
 TEST(ScreenModes, LineDrawingReplacesTheLettersWhileItsSetIsInUse) {

@@ -2,6 +2,9 @@
 
 #include "terminal/core/TerminalScreen.h"
 
+#include <gtest/gtest.h>
+
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -38,5 +41,37 @@ struct ScreenCase {
     std::string_view drawing;
     std::string_view cursor;
 };
+
+/// Feeds each case to a screen of `rows` × `columns` that shows `before`.
+inline void expectCases(std::span<const ScreenCase> cases, int rows, int columns,
+                        std::string_view before = {}) {
+    for (const ScreenCase& example : cases) {
+        SCOPED_TRACE(example.rule);
+        TerminalScreen screen(rows, columns);
+        screen.feed(before);
+        screen.feed(example.bytes);
+        screen.assertInvariants();
+        EXPECT_EQ(drawnRows(screen), example.drawing);
+        EXPECT_EQ(cursorOf(screen), example.cursor);
+    }
+}
+
+/// The looks of a cell: foreground and background as hexadecimal digits or "-", and its attributes in words.
+inline std::string describe(const TerminalCell& cell) {
+    const auto color = [](CellColor value) {
+        return value.isDefault() ? "-" : hexOf(*value.color());
+    };
+    const auto has = [&cell](TerminalCell::Attribute attribute, const char* name) {
+        return (cell.attributes & attribute) != 0 ? name : "";
+    };
+    return color(cell.foreground) + " " + color(cell.background) + (cell.bold() ? " bold" : "") +
+           (cell.inverse() ? " inverse" : "") + has(TerminalCell::Dim, " dim") +
+           has(TerminalCell::Italic, " italic") +
+           (cell.underline() != TerminalCell::Underline::None
+                ? " underline" + std::to_string(static_cast<int>(cell.underline()))
+                : "") +
+           has(TerminalCell::Conceal, " conceal") + has(TerminalCell::Strike, " strike") +
+           has(TerminalCell::Overline, " overline");
+}
 
 }  // namespace orvo::test

@@ -28,14 +28,7 @@ TEST(TerminalScreen, WritesWrapsAndScrolls) {
         {"bell, NUL and DEL do nothing", std::string_view("a\a\0b\x7F", 5), "ab", "0,2"},
         {"the top line leaves a full screen", "1\r\n2\r\n3\r\n4\r\n5\r\n6", "2\n3\n4\n5\n6", "4,1"},
     };
-    for (const ScreenCase& example : cases) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(5, 20);
-        screen.feed(example.bytes);
-        screen.assertInvariants();
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(cases, 5, 20);
 }
 
 TEST(TerminalScreen, KeepsWideCharactersAndMarksTogether) {
@@ -54,14 +47,7 @@ TEST(TerminalScreen, KeepsWideCharactersAndMarksTogether) {
         {"a mark joins a blank cell", "\x1B[3C\u0301x", "  \u0020\u0301x", "0,4"},
         {"C1 scalars and the byte order mark take a cell", "\u0085\uFEFFx", "\u0085\uFEFFx", "0,3"},
     };
-    for (const ScreenCase& example : cases) {
-        SCOPED_TRACE(example.rule);
-        TerminalScreen screen(3, 10);
-        screen.feed(example.bytes);
-        screen.assertInvariants();
-        EXPECT_EQ(drawnRows(screen), example.drawing);
-        EXPECT_EQ(cursorOf(screen), example.cursor);
-    }
+    expectCases(cases, 3, 10);
 }
 
 TEST(TerminalScreen, WideCharactersAreThoseOfTheWideBlocks) {
