@@ -1,6 +1,7 @@
 #include "platform/saveAtomically.h"
 
 #include "platform/FileDescriptor.h"
+#include "platform/extendedAttributes.h"
 #include "platform/listFolder.h"
 #include "platform/systemError.h"
 
@@ -17,7 +18,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 
 namespace orvo {
 namespace {
@@ -58,27 +58,6 @@ int examine(int folder, const char* name, std::optional<Former>& former) {
     former->descriptor =
         FileDescriptor(openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     return 0;
-}
-
-void copyAttributes(int from, int to) {
-    const ssize_t size = flistxattr(from, nullptr, 0);
-    if (size <= 0) return;
-    QByteArray names(static_cast<qsizetype>(size), Qt::Uninitialized);
-    const ssize_t listed = flistxattr(from, names.data(), static_cast<size_t>(names.size()));
-    if (listed <= 0) return;
-    names.truncate(static_cast<qsizetype>(listed));
-    names.chop(1);
-    for (const QByteArray& name : names.split('\0')) {
-        const ssize_t length = fgetxattr(from, name.constData(), nullptr, 0);
-        if (length < 0) continue;
-        QByteArray value(static_cast<qsizetype>(length), Qt::Uninitialized);
-        const ssize_t got =
-            fgetxattr(from, name.constData(), value.data(), static_cast<size_t>(value.size()));
-        if (got < 0) continue;
-        // Some belong to the system alone; those it keeps to itself.
-        [[maybe_unused]] const int kept =
-            fsetxattr(to, name.constData(), value.constData(), static_cast<size_t>(got), 0);
-    }
 }
 
 void restoreLooks(const Former& former, int temporary) {

@@ -1,6 +1,7 @@
 #include "team_runs/Applier.h"
 
 #include "platform/AppFolders.h"
+#include "platform/extendedAttributes.h"
 #include "team_runs/ApplyCheck.h"
 #include "team_runs/ContentHash.h"
 #include "team_runs/contentCopy.h"

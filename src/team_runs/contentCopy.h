@@ -7,10 +7,6 @@ namespace orvo::RunFiles {
 /// Copies all of `from` (from its beginning) to `to` and gives the SHA-256 of what was copied.
 SystemResult<QByteArray> copyContent(int from, int to);
 
-/// Extended attributes, access lists included, as far as the system allows. Those that would hand the old
-/// content's privileges to new content stay behind.
-void copyAttributes(int from, int to);
-
 /// Moves a file to a name that must not exist yet (EEXIST), in one step or by a second link.
 SystemResult<void> moveExclusively(int fromFolder, const QByteArray& from, int toFolder,
                                    const QByteArray& to);
