@@ -77,13 +77,6 @@ std::optional<FileChange> changeFrom(const QJsonObject& object) {
     return change;
 }
 
-QByteArray encodeChanges(const QList<FileChange>& changes) {
-    QJsonArray array;
-    for (const FileChange& change : changes)
-        array.append(jsonOf(change));
-    return QJsonDocument(array).toJson(QJsonDocument::Compact);
-}
-
 std::optional<QList<FileChange>> decodeChanges(const QByteArray& json) {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isArray()) return std::nullopt;

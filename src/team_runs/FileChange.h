@@ -37,8 +37,7 @@ QString textOf(FileChange::Kind kind);
 QJsonObject jsonOf(const FileChange& change);
 std::optional<FileChange> changeFrom(const QJsonObject& object);
 
-/// A JSON array of {"path","kind","before","after","beforeMode","afterMode"}; absent values are null.
-QByteArray encodeChanges(const QList<FileChange>& changes);
+/// From a JSON array of {"path","kind","before","after","beforeMode","afterMode"}; absent values are null.
 /// Nothing when the data is not such a list; "kind" is not needed.
 std::optional<QList<FileChange>> decodeChanges(const QByteArray& json);
 

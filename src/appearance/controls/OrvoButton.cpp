@@ -58,17 +58,6 @@ void OrvoButton::setIconName(const QString& icon) {
     update();
 }
 
-void OrvoButton::setIconSide(IconSide side) {
-    m_iconSide = side;
-    update();
-}
-
-void OrvoButton::setKind(Kind kind) {
-    if (kind == m_kind) return;
-    m_kind = kind;
-    adoptKind();
-}
-
 void OrvoButton::setFlush(bool flush) {
     m_flush = flush;
     updateGeometry();
@@ -187,11 +176,9 @@ void OrvoButton::paintEvent(QPaintEvent*) {
     const int textWidth = fontMetrics().horizontalAdvance(title());
     const int iconWidth = m_icon.isEmpty() ? 0 : m.icon + m.gap;
     int x = (width() - textWidth - iconWidth) / 2;
-    const bool leading = m_iconSide == IconSide::Leading;
     if (!m_icon.isEmpty()) {
-        const int iconX = leading ? x : x + textWidth + m.gap;
-        paintSymbol(painter, QRectF(iconX, 0, m.icon, height()), m_icon, iconInkNow(), m.icon);
-        if (leading) x += iconWidth;
+        paintSymbol(painter, QRectF(x, 0, m.icon, height()), m_icon, iconInkNow(), m.icon);
+        x += iconWidth;
     }
     painter.setPen(inkNow());
     painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::TextSingleLine, title());

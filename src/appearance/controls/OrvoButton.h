@@ -31,14 +31,11 @@ public:
     };
     /// 32 high; 28 high; 28 high and narrow, for the compact connector card.
     enum class Size { Regular, Small, Compact };
-    enum class IconSide { Leading, Trailing };
 
     explicit OrvoButton(const QString& title, const QString& icon = {}, Kind kind = Kind::Outlined,
                         Size size = Size::Regular, QWidget* parent = nullptr);
 
     void setIconName(const QString& icon);
-    void setIconSide(IconSide side);
-    void setKind(Kind kind);
     /// A plain button whose text begins and ends at its edges, so that it lines up with what stands above and
     /// below it. Its ink alone tells hover.
     void setFlush(bool flush);
@@ -69,7 +66,6 @@ private:
     QPointer<QMenu> m_menu;
     Kind m_kind;
     Size m_size;
-    IconSide m_iconSide = IconSide::Leading;
     bool m_flush = false;
     bool m_busy = false;
 };
