@@ -312,9 +312,7 @@ def living(sessions):
     return found
 
 
-def unsaved_text(home):
-    kept = home.root / "data/Orvo AI/Recovery"
-    program = home.start("--workspace", str(home.project))
+def type_into_the_notes(program):
     program.press("Files & runner")
     program.click(program.find("list item", "README.md"))
     editor = program.find("text", "Code editor")
@@ -322,6 +320,13 @@ def unsaved_text(home):
     program.click(editor)
     press_key("ctrl+End")
     type_text("half a thought")
+    wait_for("the text", lambda: text_of(editor).endswith("thought"))
+
+
+def unsaved_text(home):
+    kept = home.root / "data/Orvo AI/Recovery"
+    program = home.start("--workspace", str(home.project))
+    type_into_the_notes(program)
     wait_for("the text to be kept", lambda: kept.exists() and any("half a thought" in file.read_text()
                                                                   for file in kept.glob("*.json")))
     program.process.send_signal(signal.SIGSEGV)
@@ -377,14 +382,7 @@ def log_out(home):
                              environment={"SESSION_MANAGER": address})
         assert manager.stdout.readline() == "client registered\n"
         program.find("terminal")
-        program.press("Files & runner")
-        program.click(program.find("list item", "README.md"))
-        editor = program.find("text", "Code editor")
-        wait_for("the file", lambda: text_of(editor) == "# Harbor notes\n")
-        program.click(editor)
-        press_key("ctrl+End")
-        type_text("half a thought")
-        wait_for("the text", lambda: text_of(editor).endswith("thought"))
+        type_into_the_notes(program)
 
         # Neither the session nor the unsaved text holds up a log-out.
         manager.stdin.write("log out\n")
