@@ -75,7 +75,7 @@ void ComputerPlanner::prepare() {
 // A folder of its own for each run, so that an earlier answer is never taken for this one's.
 Result<FilePath> ComputerPlanner::makePlanFolder() const {
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const FilePath folder = m_services.plans.child(id.toLatin1());
+    FilePath folder = m_services.plans.child(id.toLatin1());
     return createPrivateFolder(folder)
         .and_then([&] { return saveAtomically(folder.child("schema.json"), ComputerPlan::schema()); })
         .map([&] { return folder; });

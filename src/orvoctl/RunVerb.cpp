@@ -188,7 +188,7 @@ private:
         if (interrupted && m_host.sessions().empty())
             return refuse(m_host.lastNotice(), ExitStatus::Interrupted);
         if (!engine.selectedRunID()) return refuse(m_host.lastNotice());
-        return watch(providers, *engine.selectedRunID(), &engine);
+        return watch(providers, engine.selectedRunID(), &engine);
     }
 
     ExitStatus watch(const QList<Provider>& providers, std::optional<QUuid> runID,

@@ -55,7 +55,7 @@ Result<QByteArray> unifiedDiff(const FileChange& change, const FilePath& baselin
         return refusal(QStringLiteral("The program \"diff\" could not be run: %1.").arg(diff.errorString()));
     }
     constexpr int differ = 1;
-    const QByteArray text = diff.readAllStandardOutput();
+    QByteArray text = diff.readAllStandardOutput();
     if (diff.exitCode() > differ) {
         return refusal(QString::fromLocal8Bit(diff.readAllStandardError()).trimmed());
     }

@@ -54,7 +54,7 @@ protected:
             const rlimit noCore = {};
             setrlimit(RLIMIT_CORE, &noCore);
             const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
-            dup2(nothing, STDERR_FILENO);
+            if (nothing >= 0) dup2(nothing, STDERR_FILENO);
             installCrashHandler(m_reports, "0.1.0");
             fault();
             _exit(0);

@@ -131,7 +131,7 @@ TEST_F(SingleInstanceTest, aStrangerCannotMakeTheInstanceKeepItsBytes) {
     stranger.connectToServer(m_folder.child("orvo-ai.socket").display());
     ASSERT_TRUE(stranger.waitForConnected());
     // Says that a path of two billion bytes follows.
-    stranger.write(QByteArray("\x7f\xff\xff\xff", 4) + QByteArray(1024 * 1024, 'x'));
+    stranger.write(QByteArray("\x7f\xff\xff\xff", 4) + QByteArray(1 << 20, 'x'));
     EXPECT_TRUE(test::waitFor([&] { return stranger.state() == QLocalSocket::UnconnectedState; }));
 }
 

@@ -119,7 +119,7 @@ TEST_F(Layout, APageCentresItsColumnAndScrollsWhatDoesNotFit) {
         page.show();
         QApplication::processEvents();
         EXPECT_EQ(column->width(), row.width);
-        EXPECT_NEAR(column->x(), (row.window - row.width) / 2, 1);
+        EXPECT_NEAR(column->x(), (row.window - row.width) / 2.0, 1);
     }
     page.resize(400, 120);
     QApplication::processEvents();

@@ -114,7 +114,7 @@ def walk(program, project, orvoctl, clock):
     clock.move(-25 * TEN_YEARS // 10)
     restart(program)
     program.press("History")
-    wait_for("the sessions", lambda: len([row for row in program.all("push button")
+    wait_for("the sessions", lambda: len([row for row in program.all("list item")
                                           if row.get_description().endswith("Exit 0")]) == 8)
     program.picture("long-ago")
     program.press("Workspace")

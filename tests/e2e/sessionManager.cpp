@@ -47,7 +47,7 @@ void takeProperties(SmsConn, SmPointer, int count, SmProp** properties) {
         }
         SmFreeProperty(&property);
     }
-    std::free(properties);
+    std::free(static_cast<void*>(properties));
 }
 
 void closed(SmsConn connection, SmPointer, int, char**) {

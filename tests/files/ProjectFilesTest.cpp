@@ -347,10 +347,10 @@ TEST_F(ProjectFilesTest, aLinkLedElsewhereIsAskedAboutAndWrittenWhereItLeads) {
 }
 
 TEST_F(ProjectFilesTest, aFileThatGrowsWhileItIsReadIsReadWholeOrRefused) {
-    const std::jthread writer([&](std::stop_token over) {
+    const std::jthread writer([&](const std::stop_token& over) {
         std::ofstream stream(m_file.bytes().toStdString(), std::ios::binary | std::ios::app);
         for (int line = 0; line < 4'000 && !over.stop_requested(); ++line)
-            stream << std::string(1'000, 'x') << std::endl;
+            stream << std::string(1'000, 'x') << '\n' << std::flush;
     });
     for (int round = 0; round < 200; ++round) {
         m_notices.clear();

@@ -10,7 +10,7 @@ protected:
         const Outcome outcome =
             orvoctl(QStringList{QStringLiteral("providers"), QStringLiteral("--json")} + options);
         EXPECT_EQ(outcome.status, 0);
-        for (const QJsonValue& value : outcome.json().array()) {
+        for (const QJsonValue value : outcome.json().array()) {
             byId[value[QStringLiteral("id")].toString()] = value.toObject();
         }
         return byId;

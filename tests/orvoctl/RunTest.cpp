@@ -53,7 +53,7 @@ TEST_F(Run, EveryReadySelectedAssistantRunsAloneAndIsRecorded) {
 
     const QJsonArray entries = history();
     ASSERT_EQ(entries.size(), 2);
-    for (const QJsonValue& entry : entries) {
+    for (const QJsonValue entry : entries) {
         EXPECT_TRUE(
             entry[QStringLiteral("output")].toString().contains(QStringLiteral("works alone on: ") + task));
         EXPECT_EQ(entry[QStringLiteral("title")], task);
@@ -82,7 +82,7 @@ TEST_F(Run, ConnectorsOfTheRunAreUsedInsteadOfTheSelection) {
                         QStringLiteral("--"), QStringLiteral("-task")}));
     EXPECT_EQ(outcome.status, 0) << outcome.error.constData();
     QStringList outputs;
-    for (const QJsonValue& entry : history())
+    for (const QJsonValue entry : history())
         outputs.append(entry[QStringLiteral("output")].toString());
     outputs.sort();
     EXPECT_EQ(outputs, (QStringList{QStringLiteral("first -task"), QStringLiteral("second -task")}));

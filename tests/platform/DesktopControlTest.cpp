@@ -57,7 +57,7 @@ protected:
         const auto application = desktop.application(QLatin1String(id));
         if (!application) return std::optional<RunningApplication>();
         std::optional<Result<std::optional<RunningApplication>>> answer;
-        desktop.openApplication(*application, [&](auto result) { answer = result; });
+        desktop.openApplication(*application, [&](const auto& result) { answer = result; });
         EXPECT_FALSE(answer);
         EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
         if (answer && *answer && **answer) opened.append(***answer);

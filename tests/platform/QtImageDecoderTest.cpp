@@ -62,7 +62,7 @@ QByteArray tiff(const QList<QSize>& pages) {
             append(entry.tag == 273 ? end : entry.value);
         }
         append(&page == &pages.last() ? quint32(0) : end + width * height);
-        file.append(static_cast<qsizetype>(width * height), char(200));
+        file.append(qsizetype{width} * height, char(200));
     }
     return file;
 }

@@ -27,8 +27,8 @@ using orvo::test::faults::Effect;
 /// Makes the call, unless it is the one that fails.
 template <class Call>
 auto passOn(Call call) -> decltype(call()) {
-    const bool now = countdown > 0 && --countdown == 0;
-    if (!now) return call();
+    const int left = countdown > 0 ? --countdown : -1;
+    if (left != 0) return call();
     hit = true;
     if (effect == Effect::Fail) {
         errno = effectCode;

@@ -260,7 +260,6 @@ void OrvoStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
             paintMenuPanel(option, painter, m_roles);
             return;
         case PE_FrameMenu:
-            return;
         case PE_PanelMenuBar:
             return;
         case PE_PanelTipLabel:

@@ -38,8 +38,8 @@ void Spinner::paintEvent(QPaintEvent*) {
     painter.drawEllipse(ring);
     painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap));
     // Qt counts sixteenths of a degree, against the clock.
-    const qint64 turn = m_timer.isActive() ? m_clock.elapsed() % 1000 : 0;
-    painter.drawArc(ring, static_cast<int>(90 * 16 - turn * 360 * 16 / 1000), -90 * 16);
+    const int turn = m_timer.isActive() ? static_cast<int>(m_clock.elapsed() % 1000) : 0;
+    painter.drawArc(ring, 90 * 16 - turn * 360 * 16 / 1000, -90 * 16);
 }
 
 }  // namespace orvo

@@ -97,7 +97,9 @@ public:
     QAccessible::Role role() const override { return QAccessible::Button; }
 
     QStringList actionNames() const override {
-        return QStringList{pressAction()} + QAccessibleWidget::actionNames();
+        QStringList names = PressableInterface::actionNames();
+        names.front() = pressAction();
+        return names;
     }
 
     QAccessible::State state() const override {

@@ -154,6 +154,7 @@ QWidget* SettingsView::makeKeepAwake() {
 }
 
 void SettingsView::openRuns() {
+    if (!m_facts.runsFolder) return;
     // Before the first run there is no folder; it opens empty rather than not at all.
     Result<void> opened = createPrivateFolder(*m_facts.runsFolder);
     if (opened) opened = m_launcher.openFolder(*m_facts.runsFolder);

@@ -129,8 +129,9 @@ void EditorPane::refreshFile() {
 
 void EditorPane::refreshHeader() {
     const ProjectFiles& files = m_workspace.files();
-    if (!files.selectedFile()) return;
-    m_name->setText(files.selectedFile()->displayName().simplified());
+    const std::optional<FilePath>& file = files.selectedFile();
+    if (!file) return;
+    m_name->setText(file->displayName().simplified());
     m_modified->setVisible(files.fileIsDirty());
 }
 

@@ -26,7 +26,7 @@ QString indentationOf(const QString& line) {
 QString levelOf(const QTextDocument& document) {
     QTextBlock block = document.begin();
     for (int line = 0; line < searchedLines && block.isValid(); ++line, block = block.next()) {
-        const QString blanks = indentationOf(block.text());
+        QString blanks = indentationOf(block.text());
         if (blanks.startsWith(u'\t')) return QStringLiteral("\t");
         const bool isLevel = blanks.size() >= 2 && blanks.size() <= 8 && blanks.size() < block.length() - 1;
         if (isLevel) return blanks;
@@ -95,7 +95,7 @@ QTextCursor indent(QTextCursor cursor) {
     });
 }
 
-QTextCursor outdent(QTextCursor cursor) {
+QTextCursor outdent(const QTextCursor& cursor) {
     const qsizetype level = levelOf(*cursor.document()).size();
     return changeLines(cursor, [&](QTextCursor& at, const QString& line) {
         const QString blanks = indentationOf(line);

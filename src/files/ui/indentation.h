@@ -12,6 +12,6 @@ namespace orvo {
 /// Indents the selected lines by one level; without a selection over lines, goes to the next stop.
 [[nodiscard]] QTextCursor indent(QTextCursor cursor);
 /// Takes one level away from the selected lines, or from the line of the cursor.
-[[nodiscard]] QTextCursor outdent(QTextCursor cursor);
+[[nodiscard]] QTextCursor outdent(const QTextCursor& cursor);
 
 }  // namespace orvo

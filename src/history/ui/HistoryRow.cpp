@@ -50,8 +50,8 @@ void HistoryRow::paintEvent(QPaintEvent*) {
         painter.setPen(toQColor(color));
         const QString shown =
             QFontMetrics(font).elidedText(text.left(400).simplified(), Qt::ElideRight, width);
-        painter.drawText(QRect(padding, top, room, height), side | Qt::AlignVCenter | Qt::TextSingleLine,
-                         shown);
+        painter.drawText(QRect(padding, top, room, height),
+                         static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
     };
     QFont connector = fontOf(TypeRole::Badge);
     connector.setPixelSize(connectorPixels);

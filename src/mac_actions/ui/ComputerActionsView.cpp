@@ -149,7 +149,8 @@ void ComputerActionsView::refreshPlanning() {
 void ComputerActionsView::refreshExecution() {
     const ComputerPlanner& planner = m_actions.planner();
     const bool executing = planner.executing();
-    const bool hasNext = planner.plan() && planner.completed() < planner.plan()->steps.size();
+    const auto& plan = planner.plan();
+    const bool hasNext = plan && planner.completed() < plan->steps.size();
     m_runNext->setBusy(executing);
     m_runNext->setTitle(executing ? tr("Sending step…") : tr("Run next step"));
     m_runNext->setEnabled(hasNext && !executing && !planner.planning());
@@ -158,10 +159,10 @@ void ComputerActionsView::refreshExecution() {
     const bool typing = executing && hasNext && planner.typed() > 0;
     m_stopTyping->setVisible(typing);
     m_typed->setVisible(typing);
-    if (typing) {
+    if (typing && plan) {
         m_typed->setText(tr("%1 of %2 characters")
                              .arg(planner.typed())
-                             .arg(planner.plan()->steps[planner.completed()].value.size()));
+                             .arg(plan->steps[planner.completed()].value.size()));
     }
 }
 

@@ -130,6 +130,8 @@ Result<qint64> DesktopEntries::launch(const InstalledApplication& application, c
     GError* raised = nullptr;
     const gboolean launched = g_desktop_app_info_launch_uris_as_manager(
         G_DESKTOP_APP_INFO(info.get()), address.isEmpty() ? nullptr : &node, nullptr,
+        // A set of flags, which the library has as an enumeration.
+        // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange)
         static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD), nullptr, nullptr, keepID,
         &processID, &raised);
     if (launched) return processID;

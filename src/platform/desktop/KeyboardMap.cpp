@@ -8,6 +8,7 @@
 #include <xkbcommon/xkbcommon.h>
 
 // The header has a field that is named by a word of C++.
+// NOLINTNEXTLINE(clang-diagnostic-keyword-macro)
 #define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit

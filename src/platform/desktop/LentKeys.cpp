@@ -25,7 +25,7 @@ xcb_keysym_t symbolOf(char32_t character) {
 
 }  // namespace
 
-LentKeys::LentKeys(const XConnection& connection, QList<xcb_keycode_t> unused, int symbolsPerKey)
+LentKeys::LentKeys(const XConnection& connection, const QList<xcb_keycode_t>& unused, int symbolsPerKey)
     : m_connection(connection), m_symbolsPerKey(symbolsPerKey) {
     for (const xcb_keycode_t code : unused)
         m_keys.append({code, 0, false});

@@ -17,7 +17,7 @@ class XConnection;
 /// receiver can catch up.
 class LentKeys {
 public:
-    LentKeys(const XConnection& connection, QList<xcb_keycode_t> unused, int symbolsPerKey);
+    LentKeys(const XConnection& connection, const QList<xcb_keycode_t>& unused, int symbolsPerKey);
     ~LentKeys();
     LentKeys(const LentKeys&) = delete;
     LentKeys& operator=(const LentKeys&) = delete;

@@ -76,10 +76,10 @@ private:
         explicit Language(FakeSpeechRecognition& owner) : m_owner(owner) {}
         bool isAvailable() const override { return m_owner.available; }
         bool supportsOnDeviceRecognition() const override { return m_owner.onDevice; }
-        std::shared_ptr<RecognitionTask> start(AudioFormat, Where where, Handler handler) override {
+        std::shared_ptr<RecognitionTask> start(AudioFormat, Where where, Handler tell) override {
             m_owner.log.append(where == Where::OnDeviceOnly ? QStringLiteral("recognize on device")
                                                             : QStringLiteral("recognize anywhere"));
-            m_owner.handler = std::move(handler);
+            m_owner.handler = std::move(tell);
             return std::make_shared<Task>(m_owner);
         }
 
