@@ -3,8 +3,8 @@
 #include "app/Options.h"
 #include "platform/FileDescriptor.h"
 
-#include <QLocalServer>
 #include <QObject>
+#include <QSocketNotifier>
 
 #include <chrono>
 #include <memory>
@@ -30,6 +30,8 @@ class SingleInstance : public QObject {
     Q_OBJECT
 
 public:
+    ~SingleInstance() override;
+
     /// How long a later start waits for the running instance, which may itself be starting or ending.
     static constexpr std::chrono::milliseconds defaultPatience = std::chrono::seconds(15);
 
@@ -46,11 +48,16 @@ Q_SIGNALS:
     void requested(const orvo::StartRequest& request);
 
 private:
+    class Caller;
+
     SingleInstance(FileDescriptor lock, const FilePath& socket);
     void receive();
 
-    FileDescriptor m_lock;
-    QLocalServer m_server;
+    const FileDescriptor m_lock;
+    const FilePath m_path;
+    /// Not open when the socket could not be made.
+    const FileDescriptor m_socket;
+    std::unique_ptr<QSocketNotifier> m_called;
 };
 
 }  // namespace orvo

@@ -6,15 +6,17 @@
 #include "app/QtArguments.h"
 #include "app/SingleInstance.h"
 #include "app/StallWatch.h"
+#include "app/StartAhead.h"
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
 #include "app/self_test/SelfTest.h"
 #include "appearance/controls/AlertSheet.h"
+#include "appearance/controls/OrvoMark.h"
 #include "history/HistoryInbox.h"
 #include "platform/AppFolders.h"
 #include "platform/desktop/DesktopLauncher.h"
+#include "platform/desktop/LoadedDesktopControl.h"
 #include "platform/desktop/QtDialogs.h"
-#include "platform/desktop/X11DesktopControl.h"
 #include "platform/images/QtImageDecoder.h"
 #include "platform/linux/AdoptedPrograms.h"
 #include "platform/linux/FilePreferences.h"
@@ -27,7 +29,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QIcon>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -39,6 +40,9 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int usageError = 2;
+
+// After the first picture of the window, which takes a few frames.
+constexpr auto laterDelay = 100ms;
 
 #ifdef ORVO_STALL_WATCH
 // Three frames of a screen with 60 a second: what a person begins to feel.
@@ -84,6 +88,7 @@ int showWindow(const char* program, const Options& options) {
         std::fprintf(stderr, "orvo: %s\n", qUtf8Printable(display.error().message));
         return 1;
     }
+    const StartAhead ahead;
     const QByteArray activationToken = takeActivationToken();
     QtArguments arguments(program, *display);
     QApplication application(arguments.count(), arguments.values());
@@ -92,7 +97,6 @@ int showWindow(const char* program, const Options& options) {
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));
     QCoreApplication::setApplicationVersion(versionText());
     QGuiApplication::setDesktopFileName(QStringLiteral("orvo"));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/brand/orvo.svg")));
     // The application ends with its quit sequence, never because some window closed.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
@@ -106,18 +110,21 @@ int showWindow(const char* program, const Options& options) {
     const bool isTransient = options.capture.has_value();
     Place place;
     std::optional<FilePreferences> preferences;
+    // What a first start stores goes to the disk in one piece, once the window is there.
+    std::optional<Preferences::Together> together;
     if (!isTransient) {
         place = claimPlace(options, places.folders.data, activationToken);
         if (!place.instance) return place.status;
         installCrashHandler(places.crashReports(), versionText().toUtf8());
         preferences.emplace(configuration, FilePreferences::Access::ReadWrite);
+        together.emplace(*preferences);
         migratePreferences(*preferences, configuration.parent().child("dev.pelk.desktop"));
     }
     // Alerts stand over the main window, which is made later than the dialogs it needs.
     MainWindow* window = nullptr;
     QtDialogs dialogs([&window](const Alert& alert) { return presentAlert(window, alert); });
     DesktopLauncher launcher;
-    X11DesktopControl desktop;
+    LoadedDesktopControl desktop;
     const QtImageDecoder images;
     VoiceServices voice(preferences ? &*preferences : nullptr);
     LogindSleepInhibitor sleepInhibitor;
@@ -146,11 +153,17 @@ int showWindow(const char* program, const Options& options) {
     if (place.instance) {
         QObject::connect(place.instance.get(), &SingleInstance::requested, &orvo, &OrvoApplication::serve);
     }
+    QGuiApplication::setWindowIcon(brandIcon());
     orvo.launch();
     window = orvo.window();
-    const MotionSetting motion;
-    observe(motion, {&MotionSetting::reducedChanged}, &orvo,
-            [&orvo, &motion] { orvo.setReducedMotion(motion.isReduced()); });
+    // What need not be there for the first picture.
+    std::optional<MotionSetting> motion;
+    clock.after(laterDelay, &orvo, [&together, &motion, &orvo] {
+        together.reset();
+        motion.emplace();
+        observe(*motion, {&MotionSetting::reducedChanged}, &orvo,
+                [&orvo, &motion] { orvo.setReducedMotion(motion->isReduced()); });
+    });
 #ifdef ORVO_STALL_WATCH
     std::optional<StallWatch> stallWatch;
     // Once the window has been painted; the start has a measure of its own.

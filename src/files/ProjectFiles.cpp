@@ -45,6 +45,11 @@ ProjectFiles::ProjectFiles(Dialogs& dialogs, std::function<void(const QString&)>
     connect(m_watch, &DiskWatch::changed, this, &ProjectFiles::lookAtDisk);
 }
 
+const QList<FileEntry>& ProjectFiles::files() const {
+    if (!std::exchange(m_isSorting, true)) sortEntries(m_files);
+    return m_files;
+}
+
 void ProjectFiles::setEditorText(const QString& text) {
     if (assign(m_editorText, text)) Q_EMIT editorTextChanged();
 }
@@ -81,19 +86,22 @@ void ProjectFiles::lookAtDisk() {
         std::optional<QList<FileEntry>> entries;
         OnDisk onDisk = OnDisk::Same;
     };
-    const auto look = [folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText] {
+    const auto look = [folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText,
+                       list = m_isSorting ? listEntries : readEntries] {
         Seen seen;
         if (folder) {
-            if (Result<QList<FileEntry>> entries = listEntries(*folder)) seen.entries = std::move(*entries);
+            if (Result<QList<FileEntry>> entries = list(*folder)) seen.entries = std::move(*entries);
         }
         if (file) seen.onDisk = compared(textOnDisk(*file), saved);
         return seen;
     };
     m_looking = true;
     runInBackground(this, look,
-                    [this, folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText](Seen seen) {
+                    [this, folder = m_browsingFolder, file = m_selectedFile, saved = m_savedText,
+                     wasSorting = m_isSorting](Seen seen) {
                         m_looking = false;
                         const bool isSameFolder = folder == m_browsingFolder;
+                        if (seen.entries && m_isSorting && !wasSorting) sortEntries(*seen.entries);
                         const bool isSameFile = file == m_selectedFile && saved == m_savedText;
                         if (isSameFile) setOnDisk(seen.onDisk);
                         if (isSameFolder && seen.entries && assign(m_files, std::move(*seen.entries)))
@@ -127,7 +135,7 @@ void ProjectFiles::refreshFiles(const std::optional<FilePath>& folder) {
         return;
     }
     setBrowsingFolder(target);
-    Result<QList<FileEntry>> entries = listEntries(*target);
+    Result<QList<FileEntry>> entries = m_isSorting ? listEntries(*target) : readEntries(*target);
     if (!entries) {
         m_notify(entries.error().message);
         return;

@@ -43,7 +43,7 @@ public:
     /// `dialogs` outlives this object. `notify` shows a sentence to the person.
     ProjectFiles(Dialogs& dialogs, std::function<void(const QString&)> notify, QObject* parent = nullptr);
 
-    const QList<FileEntry>& files() const { return m_files; }
+    const QList<FileEntry>& files() const;
     const std::optional<FilePath>& browsingFolder() const { return m_browsingFolder; }
     const std::optional<FilePath>& selectedFile() const { return m_selectedFile; }
     const QString& editorText() const { return m_editorText; }
@@ -98,7 +98,9 @@ private:
     Dialogs& m_dialogs;
     std::function<void(const QString&)> m_notify;
     std::optional<FilePath> m_project;
-    QList<FileEntry> m_files;
+    /// Sorted from the first look at them on: most starts never show them.
+    mutable QList<FileEntry> m_files;
+    mutable bool m_isSorting = false;
     std::optional<FilePath> m_browsingFolder;
     std::optional<FilePath> m_selectedFile;
     QString m_editorText;

@@ -41,22 +41,35 @@ bool standsBefore(const Row& left, const Row& right) {
 
 }  // namespace
 
-Result<QList<FileEntry>> listEntries(const FilePath& folder) {
+Result<QList<FileEntry>> readEntries(const FilePath& folder) {
     const Result<QList<FolderItem>> items = listFolderItems(folder);
     if (!items) return tl::unexpected<Error>(items.error());
-    const QCollator collator = naturalOrder();
-    std::vector<Row> rows;
-    rows.reserve(static_cast<std::size_t>(items->size()));
+    QList<FileEntry> entries;
+    entries.reserve(items->size());
     for (const FolderItem& item : *items) {
         if (item.name.startsWith('.')) continue;
         const FilePath path = folder.child(item.name);
-        rows.push_back({{path, isFolder(path, item.kind)}, collator.sortKey(QString::fromUtf8(item.name))});
+        entries.append({path, isFolder(path, item.kind)});
+    }
+    return entries;
+}
+
+void sortEntries(QList<FileEntry>& entries) {
+    if (entries.size() < 2) return;
+    const QCollator collator = naturalOrder();
+    std::vector<Row> rows;
+    rows.reserve(static_cast<std::size_t>(entries.size()));
+    for (FileEntry& entry : entries) {
+        QCollatorSortKey key = collator.sortKey(entry.url.displayName());
+        rows.push_back({std::move(entry), std::move(key)});
     }
     std::ranges::sort(rows, standsBefore);
-    QList<FileEntry> entries;
-    entries.reserve(static_cast<qsizetype>(rows.size()));
-    for (Row& row : rows)
-        entries.append(std::move(row.entry));
+    std::ranges::transform(rows, entries.begin(), [](Row& row) { return std::move(row.entry); });
+}
+
+Result<QList<FileEntry>> listEntries(const FilePath& folder) {
+    Result<QList<FileEntry>> entries = readEntries(folder);
+    if (entries) sortEntries(*entries);
     return entries;
 }
 

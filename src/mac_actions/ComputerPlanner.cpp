@@ -35,9 +35,14 @@ constexpr QLatin1String instructions(
 }  // namespace
 
 ComputerPlanner::ComputerPlanner(const ComputerPlannerServices& services, QObject* parent)
-    : QObject(parent), m_services(services), m_accessibility(services.desktop.isTrusted()) {}
+    : QObject(parent), m_services(services) {}
 
 ComputerPlanner::~ComputerPlanner() = default;
+
+bool ComputerPlanner::accessibility() const {
+    if (!m_accessibility) m_accessibility = m_services.desktop.isTrusted();
+    return *m_accessibility;
+}
 
 QString ComputerPlanner::accessibilityHint() const {
     return m_services.desktop.trustHint();

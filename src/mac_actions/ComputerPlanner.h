@@ -54,7 +54,7 @@ public:
     /// The latest planning session while it is listed; null otherwise.
     std::shared_ptr<TerminalSession> session() const { return m_session.lock(); }
     /// Whether keyboard input to other applications was possible when that was last asked.
-    bool accessibility() const { return m_accessibility; }
+    bool accessibility() const;
     /// What to do when it is not; may be empty.
     QString accessibilityHint() const;
 
@@ -111,7 +111,8 @@ private:
     QString m_message;
     qsizetype m_typed = 0;
     std::weak_ptr<TerminalSession> m_session;
-    bool m_accessibility = false;
+    /// Nothing until somebody asks.
+    mutable std::optional<bool> m_accessibility;
 };
 
 }  // namespace orvo

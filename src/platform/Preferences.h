@@ -87,7 +87,23 @@ public:
         keepAside(key.name);
     }
 
+    /// Small values that change while one of these lives may reach the disk together, when it ends: for a few
+    /// moments in which many change, and whose loss could be made good. The preferences outlive it.
+    class Together {
+    public:
+        explicit Together(Preferences& preferences) : m_preferences(preferences) { m_preferences.hold(); }
+        ~Together() { m_preferences.storeHeld(); }
+        Together(const Together&) = delete;
+        Together& operator=(const Together&) = delete;
+
+    private:
+        Preferences& m_preferences;
+    };
+
 protected:
+    /// Calls come in pairs, never nested. Nothing is held by default.
+    virtual void hold() {}
+    virtual void storeHeld() {}
     virtual std::optional<PreferenceValue> read(const char* name) const = 0;
     virtual Result<void> write(const char* name, std::optional<PreferenceValue> value) = 0;
     virtual void keepAside(const char* name) = 0;

@@ -9,9 +9,9 @@
 #include <memory>
 #include <stop_token>
 
-struct evp_md_ctx_st;
-
 namespace orvo::RunFiles {
+
+class Digest;
 
 /// SHA-256 of content that comes in pieces, with the processor's own instructions where it has them.
 class ContentHash {
@@ -24,12 +24,7 @@ public:
     QByteArray digits();
 
 private:
-    void restart();
-
-    struct Free {
-        void operator()(evp_md_ctx_st* context) const;
-    };
-    std::unique_ptr<evp_md_ctx_st, Free> m_context;
+    const std::unique_ptr<Digest> m_digest;
 };
 
 /// Reads an open file from its beginning. EFBIG when it holds more than a copy may; ECANCELED when stopped.

@@ -51,6 +51,28 @@ TEST(FilePreferences, storeEveryTypeForTheNextStart) {
     EXPECT_EQ(modeOf(folder.child("orvo.pet.image.data")), 0600U);
 }
 
+TEST(FilePreferences, storeTogetherWhatChangesTogether) {
+    const TemporaryFolder temporary;
+    const FilePath folder = temporary.child("orvo-ai");
+    FilePreferences preferences(folder, Access::ReadWrite);
+    {
+        const Preferences::Together together(preferences);
+        ASSERT_TRUE(preferences.setValue(preference::keepAwake, true));
+        ASSERT_TRUE(preferences.setValue(preference::petX, 3));
+        ASSERT_TRUE(preferences.setValue(preference::petImage, QByteArray("picture")));
+        ASSERT_TRUE(preferences.remove(preference::keepAwake));
+        EXPECT_EQ(preferences.value(preference::petX), 3);
+        const FilePreferences meanwhile(folder, Access::ReadOnly);
+        EXPECT_FALSE(meanwhile.value(preference::petX));
+        EXPECT_EQ(meanwhile.value(preference::petImage), QByteArray("picture")) << "large values do not wait";
+    }
+    const FilePreferences after(folder, Access::ReadOnly);
+    EXPECT_EQ(after.value(preference::petX), 3);
+    EXPECT_FALSE(after.value(preference::keepAwake));
+    ASSERT_TRUE(preferences.setValue(preference::petY, 4));
+    EXPECT_EQ(FilePreferences(folder, Access::ReadOnly).value(preference::petY), 4) << "at once again";
+}
+
 TEST(FilePreferences, keepNumbersToTheLastBit) {
     const TemporaryFolder folder;
     const double numbers[] = {0.1,    1.0 / 3,           -1e-308, 5e-324, std::numeric_limits<double>::max(),

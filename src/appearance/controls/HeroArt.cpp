@@ -34,7 +34,28 @@ QPointF onOrbit(const Orbit& orbit, double degrees) {
     return {orbit.a * std::cos(angle), orbit.b * std::sin(angle)};
 }
 
+/// The front half of the inner orbit.
+QPainterPath frontOrbit() {
+    const Orbit& inner = orbits[0];
+    const QRectF box(-inner.a, -inner.b, 2 * inner.a, 2 * inner.b);
+    QPainterPath front;
+    front.arcMoveTo(box, 180);
+    front.arcTo(box, 180, 180);
+    return front;
+}
+
+/// The orbit passes over it, with air around.
+const QPainterPath& ring() {
+    // Cutting is slow.
+    static const QPainterPath cut = brand::ringBehind(frontOrbit(), {QPointF(), 28.5, 19.5}, 8);
+    return cut;
+}
+
 }  // namespace
+
+void HeroArt::prepare() {
+    (void)ring();
+}
 
 HeroArt::HeroArt(const std::array<Rgb, 4>& dots, QWidget* parent) : QWidget(parent), m_dots(dots) {
     setFixedSize(320, 216);
@@ -52,19 +73,12 @@ void HeroArt::paintEvent(QPaintEvent*) {
     for (const Orbit& orbit : orbits)
         painter.drawEllipse(QPointF(), orbit.a, orbit.b);
 
-    // The front half of the inner orbit passes over the ring, with air around it.
-    const Orbit& inner = orbits[0];
-    const QRectF box(-inner.a, -inner.b, 2 * inner.a, 2 * inner.b);
-    QPainterPath front;
-    front.arcMoveTo(box, 180);
-    front.arcTo(box, 180, 180);
-    static const QPainterPath ring = brand::ringBehind(front, {QPointF(), 28.5, 19.5}, 8);
-    painter.fillPath(ring, toQColor(roles.text));
-    painter.strokePath(front, QPen(toQColor(roles.accent), 2.5, Qt::SolidLine, Qt::RoundCap));
+    painter.fillPath(ring(), toQColor(roles.text));
+    painter.strokePath(frontOrbit(), QPen(toQColor(roles.accent), 2.5, Qt::SolidLine, Qt::RoundCap));
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(toQColor(roles.accent));
-    painter.drawEllipse(onOrbit(inner, 0), 6, 6);
+    painter.drawEllipse(onOrbit(orbits[0], 0), 6, 6);
     for (std::size_t i = 0; i < places.size(); ++i) {
         painter.setBrush(toQColor(m_dots[i]));
         painter.drawEllipse(onOrbit(orbits[places[i].orbit], places[i].angle), places[i].radius,

@@ -16,6 +16,10 @@ class HeroArt final : public QWidget {
 public:
     explicit HeroArt(const std::array<Rgb, 4>& dots, QWidget* parent = nullptr);
 
+    /// Computes the shapes that the first picture would wait for. Any thread, also before the application
+    /// object.
+    static void prepare();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

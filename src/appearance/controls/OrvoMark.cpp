@@ -5,6 +5,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QSvgRenderer>
 
 namespace orvo {
 namespace brand {
@@ -65,6 +66,21 @@ QPointF dot() {
 }
 
 }  // namespace brand
+
+// By our own renderer: Qt's icon engine for drawings is a plugin to be searched and loaded.
+QIcon brandIcon() {
+    QSvgRenderer drawing(QStringLiteral(":/brand/orvo.svg"));
+    QIcon icon;
+    for (const int size : {16, 32, 64, 128}) {
+        QPixmap picture(size, size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        drawing.render(&painter);
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
+}
 
 void paintOrvoMark(QPainter& painter, const QRectF& box, const QColor& text, const QColor& accent) {
     painter.save();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPointF>
 #include <QWidget>
 
@@ -29,6 +30,9 @@ QPointF dot();
 inline constexpr double orbitWidth = 1.8;
 inline constexpr double dotRadius = 2.7;
 }  // namespace brand
+
+/// The application's icon in the sizes that window managers ask for.
+QIcon brandIcon();
 
 /// Paints the mark into `box`, which is a square of at least 24 dip.
 void paintOrvoMark(QPainter& painter, const QRectF& box, const QColor& text, const QColor& accent);

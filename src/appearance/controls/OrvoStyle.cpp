@@ -4,13 +4,16 @@
 #include "appearance/controls/TextField.h"
 #include "appearance/controls/accessibility.h"
 #include "appearance/controls/painting.h"
+#include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QComboBox>
+#include <QIconEngine>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPalette>
 #include <QScrollBar>
 #include <QStyleOption>
@@ -18,6 +21,31 @@
 #include <QToolTip>
 
 namespace orvo {
+namespace {
+
+/// A symbol that is drawn when it is shown.
+class SymbolIcon final : public QIconEngine {
+public:
+    SymbolIcon(QString name, const QColor& color) : m_name(std::move(name)), m_color(color) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
+        paintSymbol(*painter, rect, m_name, m_color, std::min(rect.width(), rect.height()));
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paint(&painter, pixmap.rect(), mode, state);
+        return pixmap;
+    }
+    QIconEngine* clone() const override { return new SymbolIcon(*this); }
+
+private:
+    QString m_name;
+    QColor m_color;
+};
+
+}  // namespace
 
 OrvoStyle::OrvoStyle(const Roles& roles) : QProxyStyle(QStringLiteral("Fusion")), m_roles(roles) {}
 
@@ -96,6 +124,14 @@ void OrvoStyle::polish(QWidget* widget) {
 void OrvoStyle::unpolish(QWidget* widget) {
     if (qobject_cast<QScrollBar*>(widget)) widget->setAttribute(Qt::WA_OpaquePaintEvent);
     QProxyStyle::unpolish(widget);
+}
+
+QIcon OrvoStyle::standardIcon(StandardPixmap standard, const QStyleOption* option,
+                              const QWidget* widget) const {
+    // Every menu bar asks for it, and few show it; Qt's own would load all picture formats with the window.
+    if (standard == SP_ToolBarHorizontalExtensionButton)
+        return QIcon(new SymbolIcon(QStringLiteral("ellipsis"), toQColor(m_roles.text)));
+    return QProxyStyle::standardIcon(standard, option, widget);
 }
 
 int OrvoStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

@@ -2,10 +2,15 @@
 
 #include "platform/images/QtImage.h"
 
+#include <QImageReader>
+
 namespace orvo {
 
 std::shared_ptr<const DecodedImage> builtInPet() {
-    const QImage drawing(QStringLiteral(":/companion/OrvoPet.png"));
+    // Told the format, because trying all of them would load the libraries of all.
+    QImageReader reader(QStringLiteral(":/companion/OrvoPet.png"), "png");
+    reader.setAutoDetectImageFormat(false);
+    const QImage drawing = reader.read();
     return drawing.isNull() ? nullptr : std::make_shared<QtImage>(drawing);
 }
 

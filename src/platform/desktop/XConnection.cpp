@@ -1,8 +1,7 @@
 #include "platform/desktop/XConnection.h"
 
 #include <cstring>
-
-#include <xcb/xtest.h>
+#include <string_view>
 
 namespace orvo {
 
@@ -27,8 +26,10 @@ XConnection::~XConnection() {
 }
 
 bool XConnection::hasTestExtension() const {
-    const xcb_query_extension_reply_t* const extension = xcb_get_extension_data(m_connection, &xcb_test_id);
-    return extension && extension->present;
+    constexpr std::string_view name = "XTEST";
+    const XReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(
+        m_connection, xcb_query_extension(m_connection, name.size(), name.data()), nullptr));
+    return reply && reply->present;
 }
 
 xcb_atom_t XConnection::atom(const char* name) const {

@@ -123,6 +123,16 @@ Result<void> FilePreferences::writeSmall(const QByteArray& name, const QJsonValu
     // An undefined value removes the key.
     m_small.insert(key, value);
     m_smallOnDisk = OnDisk::Outdated;
+    return m_holding ? Result<void>() : saveSmall();
+}
+
+// What cannot be stored now is tried again with the next change, which says so if it fails.
+void FilePreferences::storeHeld() {
+    m_holding = false;
+    if (m_smallOnDisk == OnDisk::Outdated) (void)saveSmall();
+}
+
+Result<void> FilePreferences::saveSmall() {
     if (Result<void> created = createPrivateFolder(m_folder); !created) return created;
     if (Result<void> kept = putAside(smallFile()); !kept) return kept;
     Result<void> saved = saveAtomically(smallFile(), QJsonDocument(m_small).toJson());

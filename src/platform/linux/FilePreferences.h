@@ -35,6 +35,8 @@ public:
     FilePreferences& operator=(const FilePreferences&) = delete;
 
 protected:
+    void hold() override { m_holding = true; }
+    void storeHeld() override;
     std::optional<PreferenceValue> read(const char* name) const override;
     Result<void> write(const char* name, std::optional<PreferenceValue> value) override;
     void keepAside(const char* name) override;
@@ -49,6 +51,7 @@ private:
     FilePath smallFile() const;
     FilePath dataFile(const QByteArray& name) const;
     std::optional<QByteArray> readData(const QByteArray& name) const;
+    Result<void> saveSmall();
     Result<void> writeSmall(const QByteArray& name, const QJsonValue& value);
     Result<void> writeData(const QByteArray& name, const std::optional<QByteArray>& data);
     /// What must be so before a data file is replaced.
@@ -61,6 +64,7 @@ private:
     Access m_access;
     QJsonObject m_small;
     OnDisk m_smallOnDisk = OnDisk::Current;
+    bool m_holding = false;
     /// Data values that could not be stored (or, absent, not be removed).
     QMap<QByteArray, std::optional<QByteArray>> m_unsavedData;
     /// Files that nobody could read or decode; put aside before they are replaced.

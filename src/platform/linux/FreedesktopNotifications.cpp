@@ -25,15 +25,19 @@ QDBusMessage callOf(const char* method) {
 
 }  // namespace
 
-FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, QObject* parent)
-    : QObject(parent), m_bus(std::move(bus)) {
-    const auto listen = [this](const char* signal, const char* slot) {
-        m_bus.connect(QLatin1String(service), QLatin1String(path), QLatin1String(interface),
-                      QLatin1String(signal), this, slot);
+FreedesktopNotifications::FreedesktopNotifications(BusOnDemand bus, QObject* parent)
+    : QObject(parent), m_bus(std::move(bus)) {}
+
+// Nothing is heard of a notice before the first one.
+void FreedesktopNotifications::listen() {
+    if (std::exchange(m_listening, true)) return;
+    const auto listenTo = [this](const char* signal, const char* slot) {
+        m_bus.get().connect(QLatin1String(service), QLatin1String(path), QLatin1String(interface),
+                            QLatin1String(signal), this, slot);
     };
-    listen("ActivationToken", SLOT(takeToken(uint, QString)));
-    listen("ActionInvoked", SLOT(takeAction(uint, QString)));
-    listen("NotificationClosed", SLOT(takeEnd(uint, uint)));
+    listenTo("ActivationToken", SLOT(takeToken(uint, QString)));
+    listenTo("ActionInvoked", SLOT(takeAction(uint, QString)));
+    listenTo("NotificationClosed", SLOT(takeEnd(uint, uint)));
 }
 
 FreedesktopNotifications::~FreedesktopNotifications() {
@@ -63,8 +67,9 @@ void FreedesktopNotifications::goOn() {
 }
 
 void FreedesktopNotifications::askWhatIsUnderstood() {
+    listen();
     m_step = Step::Asking;
-    auto* const answer = new QDBusPendingCallWatcher(m_bus.asyncCall(callOf("GetCapabilities")), this);
+    auto* const answer = new QDBusPendingCallWatcher(m_bus.get().asyncCall(callOf("GetCapabilities")), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         const QDBusPendingReply<QStringList> reply = *answer;
         answer->deleteLater();
@@ -88,7 +93,7 @@ void FreedesktopNotifications::send(const QStringList& capabilities) {
          << QStringList{wholeNotice, notice.action, button, notice.action}
          << QVariantMap{{QStringLiteral("desktop-entry"), QStringLiteral("orvo")}} << -1;
     m_step = Step::Showing;
-    auto* const answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    auto* const answer = new QDBusPendingCallWatcher(m_bus.get().asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         const QDBusPendingReply<uint> reply = *answer;
         answer->deleteLater();
@@ -102,7 +107,7 @@ void FreedesktopNotifications::close() {
     if (m_id == 0) return;
     QDBusMessage call = callOf("CloseNotification");
     call << std::exchange(m_id, 0);
-    m_bus.send(call);
+    m_bus.get().send(call);
 }
 
 void FreedesktopNotifications::takeToken(uint id, const QString& token) {

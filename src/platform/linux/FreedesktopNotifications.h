@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/DesktopNotifications.h"
+#include "platform/linux/BusOnDemand.h"
 
-#include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
 
@@ -17,7 +17,7 @@ class FreedesktopNotifications final : public QObject, public DesktopNotificatio
     Q_OBJECT
 
 public:
-    explicit FreedesktopNotifications(QDBusConnection bus = QDBusConnection::sessionBus(),
+    explicit FreedesktopNotifications(BusOnDemand bus = BusOnDemand(QDBusConnection::sessionBus),
                                       QObject* parent = nullptr);
     /// Takes the notice away: nobody would hear the button any more.
     ~FreedesktopNotifications() override;
@@ -33,12 +33,14 @@ private Q_SLOTS:
 private:
     enum class Step { Idle, Asking, Showing };
 
+    void listen();
     void goOn();
     void askWhatIsUnderstood();
     void send(const QStringList& capabilities);
     void close();
 
-    QDBusConnection m_bus;
+    BusOnDemand m_bus;
+    bool m_listening = false;
     Step m_step = Step::Idle;
     /// What is still to be shown.
     std::optional<Notice> m_next;

@@ -24,7 +24,7 @@ private:
 
 }  // namespace
 
-LogindSleepInhibitor::LogindSleepInhibitor(QDBusConnection bus) : m_bus(std::move(bus)) {}
+LogindSleepInhibitor::LogindSleepInhibitor(BusOnDemand bus) : m_bus(std::move(bus)) {}
 
 std::unique_ptr<SleepInhibitor::Assertion> LogindSleepInhibitor::hold(const QString& reason) {
     QDBusMessage request = QDBusMessage::createMethodCall(
@@ -33,7 +33,8 @@ std::unique_ptr<SleepInhibitor::Assertion> LogindSleepInhibitor::hold(const QStr
     // Idle only: the person may still put the machine to sleep by hand.
     request << QStringLiteral("idle") << QStringLiteral("Orvo AI") << reason << QStringLiteral("block");
     // The message keeps a duplicate of the descriptor until the end of this function; ours is another one.
-    const QDBusMessage answer = m_bus.call(request, QDBus::Block, static_cast<int>(answerLimit.count()));
+    const QDBusMessage answer =
+        m_bus.get().call(request, QDBus::Block, static_cast<int>(answerLimit.count()));
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return nullptr;
     const auto held = answer.arguments().constFirst().value<QDBusUnixFileDescriptor>();
     if (!held.isValid()) return nullptr;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/SleepInhibitor.h"
-
-#include <QDBusConnection>
+#include "platform/linux/BusOnDemand.h"
 
 namespace orvo {
 
@@ -10,13 +9,13 @@ namespace orvo {
 /// itself when the process dies.
 class LogindSleepInhibitor final : public SleepInhibitor {
 public:
-    explicit LogindSleepInhibitor(QDBusConnection bus = QDBusConnection::systemBus());
+    explicit LogindSleepInhibitor(BusOnDemand bus = BusOnDemand(QDBusConnection::systemBus));
 
     /// Waits at most two seconds for the answer. Null without a bus, without logind, or when it refuses.
     std::unique_ptr<Assertion> hold(const QString& reason) override;
 
 private:
-    QDBusConnection m_bus;
+    BusOnDemand m_bus;
 };
 
 }  // namespace orvo
