@@ -90,7 +90,8 @@ std::size_t allowed(const TerminalScreen& screen) {
     // The lines of both screens are empty, but keep their room for cells and twice as many clusters.
     constexpr std::size_t grids =
         std::size_t{2} * mostRows *
-        (sizeof(TerminalRow) + 2 * mostColumns * (sizeof(TerminalCell) + 2 * sizeof(std::u32string)));
+        (sizeof(TerminalRow) +
+         std::size_t{2} * mostColumns * (sizeof(TerminalCell) + 2 * sizeof(std::u32string)));
     // The screen itself with its parser and handles.
     constexpr std::size_t constant = 128 << 10;
     std::size_t bytes = constant + grids;

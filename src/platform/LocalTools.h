@@ -42,7 +42,7 @@ inline constexpr qsizetype maximumOutput = 256'000;
 /// Runs a helper in a process group of its own, with standard input from the null device, until it ends, the
 /// time is over or `stop` is requested. Then the group is asked to terminate, and killed 0.2 seconds later;
 /// what the helper left running in its group is killed with it. Nothing is written to disk.
-ToolResult run(const ToolRequest& request, std::stop_token stop = {});
+ToolResult run(const ToolRequest& request, const std::stop_token& stop = {});
 
 }  // namespace LocalTools
 }  // namespace orvo

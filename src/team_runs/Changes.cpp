@@ -180,7 +180,7 @@ Result<QList<FileChange>> changes(const FilePath& baseline, const FilePath& resu
     QList<FileChange> found;
     for (size_t i = 0; i < pairs.size(); ++i) {
         if (!answers[i]) return pathFailure(pairs[i].path(), answers[i].error());
-        if (*answers[i]) found.append(**answers[i]);
+        if (const std::optional<FileChange>& change = *answers[i]) found.append(*change);
     }
     return found;
 }

@@ -11,9 +11,11 @@ QString tr(const char* text) {
 
 QString age(std::chrono::steady_clock::duration passed) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(passed).count();
-    if (seconds < 60) return tr("%1 s ago").arg(seconds);
-    if (seconds < 60 * 60) return tr("%1 min ago").arg(seconds / 60);
-    return tr("%1 h ago").arg(seconds / (60 * 60));
+    constexpr auto minute = 60;
+    constexpr auto hour = 3'600;
+    if (seconds < minute) return tr("%1 s ago").arg(seconds);
+    if (seconds < hour) return tr("%1 min ago").arg(seconds / minute);
+    return tr("%1 h ago").arg(seconds / hour);
 }
 
 }  // namespace
@@ -60,7 +62,7 @@ QString Attention::evidence(Time now) const {
 }
 
 std::optional<Attention::Time> Attention::nextChange(Time now) const {
-    if (mark(now) != Mark::Working) return std::nullopt;
+    if (!m_lastOutput || mark(now) != Mark::Working) return std::nullopt;
     return *m_lastOutput + workingFor;
 }
 

@@ -129,7 +129,8 @@ public:
     /// `onFinish`.
     std::shared_ptr<TerminalSession> startSession(const QString& provider, const QString& title,
                                                   const QString& command, const FilePath& directory,
-                                                  SessionStep beforeStart = {}, SessionStep onFinish = {});
+                                                  const SessionStep& beforeStart = {},
+                                                  SessionStep onFinish = {});
     /// Runs the open file with the interpreter of its type, saving it first; says so when there is none.
     void runFile();
     /// Runs `runnerCommand` in the project; asks for a project when none is open.
@@ -172,9 +173,9 @@ Q_SIGNALS:
 
 private:
     void restore();
-    void rememberFolder();
+    void rememberFolder(const FilePath& folder);
     void reportUnsaved(const Error& error);
-    bool ensureFolder();
+    std::optional<FilePath> ensureFolder();
     QList<Provider> taskTargets() const;
     std::shared_ptr<TerminalSession> listedOrClosing(const QUuid& id) const;
     void sessionFinished(TerminalSession& session);

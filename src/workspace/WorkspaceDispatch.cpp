@@ -42,9 +42,9 @@ void Workspace::cancelPreparation() {
 }
 
 /// Without a project the person is asked for one; false when there is none even so.
-bool Workspace::ensureFolder() {
+std::optional<FilePath> Workspace::ensureFolder() {
     if (!m_folder) chooseFolder();
-    return m_folder.has_value();
+    return m_folder;
 }
 
 QList<Provider> Workspace::taskTargets() const {
@@ -60,7 +60,9 @@ QList<Provider> Workspace::taskTargets() const {
 
 void Workspace::dispatchPrompt() {
     const QString task = m_prompt.trimmed();
-    if (task.isEmpty() || !ensureFolder()) return;
+    if (task.isEmpty()) return;
+    const std::optional<FilePath> folder = ensureFolder();
+    if (!folder) return;
     const QList<Provider> targets = taskTargets();
     if (targets.isEmpty()) {
         notify(tr("Select at least one installed assistant."));
@@ -77,7 +79,7 @@ void Workspace::dispatchPrompt() {
             notify(tr("Separate copies are not available yet. Choose Shared folder to run this task."));
             return;
         }
-        m_teamRuns->startTeamRun(task, targets, *m_folder);
+        m_teamRuns->startTeamRun(task, targets, *folder);
         refreshPreparingRun();
         return;
     }
@@ -89,7 +91,8 @@ void Workspace::dispatchPrompt() {
 }
 
 void Workspace::launch(const Provider& provider, const QString& prompt) {
-    if (!ensureFolder()) return;
+    const std::optional<FilePath> folder = ensureFolder();
+    if (!folder) return;
     if (!m_assistants.isReady(provider)) {
         editConnector(provider);
         return;
@@ -101,7 +104,7 @@ void Workspace::launch(const Provider& provider, const QString& prompt) {
     }
     const QString title = prompt.isEmpty() ? tr("%1 session").arg(provider.shownName())
                                            : firstCharacters(prompt, titleCharacters);
-    startSession(provider.id, title, command, *m_folder);
+    startSession(provider.id, title, command, *folder);
 }
 
 void Workspace::signIn(const Provider& provider) {
@@ -125,7 +128,9 @@ void Workspace::signIn(const Provider& provider) {
 
 void Workspace::resume(const Provider& provider) {
     const FilePath executable = m_assistants.available().value(provider.id);
-    if (executable.isEmpty() || !ensureFolder()) return;
+    if (executable.isEmpty()) return;
+    const std::optional<FilePath> folder = ensureFolder();
+    if (!folder) return;
     QString arguments;
     if (provider.id == QLatin1String("codex")) {
         arguments = QStringLiteral(" resume --last --sandbox workspace-write");
@@ -136,7 +141,7 @@ void Workspace::resume(const Provider& provider) {
         return;
     }
     startSession(provider.id, tr("Resume · %1").arg(provider.shownName()),
-                 shellQuote(executable.display()) + arguments, *m_folder);
+                 shellQuote(executable.display()) + arguments, *folder);
 }
 
 }  // namespace orvo

@@ -64,7 +64,7 @@ void Workspace::setFolder(const FilePath& folder) {
     recent.prepend(folder);
     recent.resize(std::min(recent.size(), maximumRecentFolders));
     const bool recentIsNew = assign(m_recentFolders, std::move(recent));
-    rememberFolder();
+    rememberFolder(folder);
     m_files.setProject(folder);
     if (folderIsNew) Q_EMIT folderChanged();
     if (recentIsNew) Q_EMIT recentFoldersChanged();
@@ -72,12 +72,12 @@ void Workspace::setFolder(const FilePath& folder) {
     notify(tr("Workspace opened: %1").arg(folder.displayName()));
 }
 
-void Workspace::rememberFolder() {
+void Workspace::rememberFolder(const FilePath& folder) {
     if (!m_preferences) return;
     QStringList recent;
-    for (const FilePath& folder : std::as_const(m_recentFolders))
-        recent.append(folder.display());
-    (void)m_preferences->setValue(preference::workspace, m_folder->display());
+    for (const FilePath& opened : std::as_const(m_recentFolders))
+        recent.append(opened.display());
+    (void)m_preferences->setValue(preference::workspace, folder.display());
     (void)m_preferences->setValue(preference::recentFolders, recent);
 }
 

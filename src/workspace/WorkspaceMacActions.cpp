@@ -50,13 +50,13 @@ void WorkspaceMacActions::openTerminal() {
 }
 
 void WorkspaceMacActions::runScript(const QString& script) {
-    if (!m_workspace.folder()) {
+    const std::optional<FilePath> folder = m_workspace.folder();
+    if (!folder) {
         m_workspace.chooseFolder();
         return;
     }
     m_workspace.startSession(QStringLiteral("shell"), tr("Mac action · AppleScript"),
-                             QStringLiteral("/usr/bin/osascript -e ") + shellQuote(script),
-                             *m_workspace.folder());
+                             QStringLiteral("/usr/bin/osascript -e ") + shellQuote(script), *folder);
 }
 
 std::optional<FilePath> WorkspaceMacActions::executable(const QString& providerID) const {

@@ -26,10 +26,11 @@ void Workspace::setRunnerCommand(const QString& command) {
 }
 
 void Workspace::runFile() {
-    if (!m_folder || !m_files.selectedFile()) return;
     // Copies: saving may ask, and while it does another file or project can be opened.
+    const std::optional<FilePath> selected = m_files.selectedFile();
+    if (!m_folder || !selected) return;
     const FilePath folder = *m_folder;
-    const FilePath file = *m_files.selectedFile();
+    const FilePath& file = *selected;
     if (m_files.fileIsDirty() && !m_files.saveFile()) return;
     const std::optional<QString> command =
         interpreterCommand(file, m_assistants.executablePath(QStringLiteral("python3")));

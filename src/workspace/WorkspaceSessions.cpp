@@ -50,7 +50,8 @@ void Workspace::focusSession(const QUuid& id) {
 
 std::shared_ptr<TerminalSession> Workspace::startSession(const QString& provider, const QString& title,
                                                          const QString& command, const FilePath& directory,
-                                                         SessionStep beforeStart, SessionStep onFinish) {
+                                                         const SessionStep& beforeStart,
+                                                         SessionStep onFinish) {
     const auto session = std::make_shared<TerminalSession>(provider, title, command, directory);
     session->onFinish = [workspace = QPointer(this),
                          onFinish = std::move(onFinish)](TerminalSession& finished) {
@@ -85,8 +86,8 @@ void Workspace::sessionFinished(TerminalSession& session) {
 }
 
 void Workspace::closeSession(const std::shared_ptr<TerminalSession>& closed) {
-    // A copy, because the argument may be an element of the list that is changed here.
-    const std::shared_ptr<TerminalSession> session = closed;
+    // A reference of our own, because the argument may be an element of the list that is changed here.
+    const std::shared_ptr<TerminalSession> session(closed);
     if (const QString reason = m_teamRuns ? m_teamRuns->reasonToKeep(*session) : QString();
         !reason.isEmpty()) {
         notify(reason);

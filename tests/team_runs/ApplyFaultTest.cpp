@@ -259,7 +259,7 @@ TEST(ApplyFault, LinksSwappedAtRandomLeadNowhere) {
     QElapsedTimer clock;
     clock.start();
     const int seconds = lengthOf(20, 600);
-    while (clock.elapsed() < 1'000 * seconds) {
+    while (clock.elapsed() < qint64{1'000} * seconds) {
         swapping = true;
         const auto done = RunFiles::apply(*changes, tree.path("project"), tree.path("Runs/R/copy"),
                                           tree.path("Runs/R/backup-B"));

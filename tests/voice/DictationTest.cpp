@@ -178,7 +178,7 @@ TEST_F(DictationTest, TheTapGetsPiecesOfOneSizeAndNothingAfterItsRemoval) {
     std::atomic<int> pieces = 0;
     std::atomic<bool> isInside = false;
     std::atomic<bool> isEven = true;
-    microphone.start([](Result<void>) {}, [] {});
+    microphone.start([](const Result<void>&) {}, [] {});
     for (int turn = 1; turn <= 5; ++turn) {
         const int before = pieces;
         microphone.installTap([&, size = 1024 * format.channels * 2](const QByteArray& samples) {
@@ -290,9 +290,9 @@ TEST_F(DictationTest, TheApplicationMayEndWhileTheModelIsLoaded) {
         const auto recognizer = voice->recognition().recognizer(QStringLiteral("en_US"));
         ASSERT_TRUE(recognizer);
         const auto task = recognizer->start(voice->microphone().inputFormat(),
-                                            Recognizer::Where::OnDeviceOnly, [](auto, auto) {});
+                                            Recognizer::Where::OnDeviceOnly, [](const auto&, const auto&) {});
         voice->microphone().installTap([task](const QByteArray& samples) { task->append(samples); });
-        voice->microphone().start([](Result<void>) {}, [] {});
+        voice->microphone().start([](const Result<void>&) {}, [] {});
         (void)waitFor([] { return false; }, 100ms);
         timer.start();
     }

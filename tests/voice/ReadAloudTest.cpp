@@ -15,7 +15,8 @@
 #include <optional>
 
 // The library forgets the reason of a service that does not start; its frames are not in the trace.
-extern "C" const char* __lsan_default_suppressions() {
+extern "C" const char*
+__lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier): its name for us
     return "leak:__vasprintf_internal";
 }
 
@@ -130,7 +131,7 @@ TEST_F(ReadAloudTest, TheVoiceEndsWithTheApplication) {
     ASSERT_TRUE(waitLong([&meter] { return meter.isOn(); }));
     {
         SpeechDispatcherSynthesizer voice;
-        voice.speak({.text = longText, .language = QStringLiteral("en-US")}, [](Result<void>) {});
+        voice.speak({.text = longText, .language = QStringLiteral("en-US")}, [](const Result<void>&) {});
         ASSERT_TRUE(isLoud(meter));
     }
     EXPECT_TRUE(waitLong([&meter] { return meter.silentFor() > 1000; }, 10s));

@@ -57,7 +57,8 @@ TEST_F(ComputerActionsViewTest, RunsAPlanStepByStep) {
     ASSERT_TRUE(waitFor([&] {
         return shows(screen(), text("Review the steps below. Run next step performs one action only."));
     })) << qPrintable(macActions().planner().message());
-    EXPECT_TRUE(shows(screen(), text("Opens Notes & types.")));
+    // A layout shows new rows in the turn of the event loop after the one that made them.
+    EXPECT_TRUE(waitFor([&] { return shows(screen(), text("Opens Notes & types.")); }));
     EXPECT_TRUE(shows(screen(), text("1. Open <b>Notes</b>")));
     EXPECT_TRUE(shows(screen(), text("com.example.notes · open_app")));
     // What cannot be seen is written out.

@@ -20,8 +20,8 @@ namespace orvo {
 namespace {
 
 // Far beyond what we write; a file beyond it is not ours and would only fill the memory.
-constexpr qsizetype maximumSmallFile = 16 * 1024 * 1024;
-constexpr qsizetype maximumDataFile = 512 * 1024 * 1024;
+constexpr qsizetype maximumSmallFile = qsizetype{16} << 20;
+constexpr qsizetype maximumDataFile = qsizetype{512} << 20;
 
 tl::unexpected<Error> refusal(const char* sentence) {
     return failure(QStringLiteral("OrvoPreferences"),

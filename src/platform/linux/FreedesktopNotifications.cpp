@@ -77,14 +77,13 @@ void FreedesktopNotifications::askWhatIsUnderstood() {
         if (reply.isError()) {
             m_next.reset();
         } else if (m_next) {
-            return send(reply.value());
+            return send(*std::exchange(m_next, std::nullopt), reply.value());
         }
         goOn();
     });
 }
 
-void FreedesktopNotifications::send(const QStringList& capabilities) {
-    const Notice notice = *std::exchange(m_next, std::nullopt);
+void FreedesktopNotifications::send(const Notice& notice, const QStringList& capabilities) {
     // What a program wrote must not become a link or a picture.
     const bool markup = capabilities.contains(QStringLiteral("body-markup"));
     QDBusMessage call = callOf("Notify");

@@ -36,7 +36,7 @@ private:
     void listen();
     void goOn();
     void askWhatIsUnderstood();
-    void send(const QStringList& capabilities);
+    void send(const Notice& notice, const QStringList& capabilities);
     void close();
 
     BusOnDemand m_bus;

@@ -201,7 +201,7 @@ private:
 
 }  // namespace
 
-ToolResult LocalTools::run(const ToolRequest& request, std::stop_token stop) {
+ToolResult LocalTools::run(const ToolRequest& request, const std::stop_token& stop) {
     if (stop.stop_requested()) return {.code = -1, .output = QString(), .timedOut = true};
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {

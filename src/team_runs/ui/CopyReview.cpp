@@ -132,7 +132,7 @@ void CopyReview::apply() {
     QList<FileChange> chosen;
     std::ranges::copy_if(m_changes, std::back_inserter(chosen),
                          [this](const FileChange& change) { return m_selection.contains(change.path); });
-    if (chosen.isEmpty() || !confirm(chosen)) return;
+    if (chosen.isEmpty() || !m_run || !confirm(*m_run, chosen)) return;
     // The questions run an event loop: by now another copy may be under review.
     if (token != m_reviewToken || m_applying || m_teamRuns.applyingRunID()) return;
     m_applying = true;
@@ -142,7 +142,7 @@ void CopyReview::apply() {
     });
 }
 
-bool CopyReview::confirm(const QList<FileChange>& chosen) {
+bool CopyReview::confirm(const TeamRun& run, const QList<FileChange>& chosen) {
     QString list;
     for (const FileChange& change : chosen.first(std::min(chosen.size(), listedFiles)))
         list += u'\n' + textOf(change.kind()) + QStringLiteral(": ") + change.displayPath();
@@ -150,7 +150,7 @@ bool CopyReview::confirm(const QList<FileChange>& chosen) {
     return m_workspace.dialogs().alert(
                {.message = tr("Apply %1 reviewed files?").arg(chosen.size()),
                 .informativeText =
-                    tr("Project: %1").arg(m_run->project.display()) + list +
+                    tr("Project: %1").arg(run.project.display()) + list +
                     tr("\n\nOriginal files are backed up inside this run. Conflicting changes are blocked."),
                 .buttons = {tr("Apply changes"), tr("Cancel")},
                 .defaultButton = Alert::Default::FirstButton}) == 0;

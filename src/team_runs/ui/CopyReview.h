@@ -67,7 +67,7 @@ Q_SIGNALS:
 private:
     void reportRead(quint64 token, int files, int allFiles);
     void show(const Result<QList<FileChange>>& changes);
-    bool confirm(const QList<FileChange>& chosen);
+    bool confirm(const TeamRun& run, const QList<FileChange>& chosen);
     void applied(const QList<FileChange>& chosen, const Result<void>& outcome);
     void setMessage(const QString& message);
 

@@ -157,7 +157,8 @@ void TeamRunsView::refreshRuns() {
     const auto run = shownRun();
     m_empty->setVisible(!run);
     m_content->setVisible(run.has_value());
-    if (m_review->run() && (!run || m_review->run()->id != run->id)) m_review->clear();
+    const std::optional<TeamRun>& reviewed = m_review->run();
+    if (reviewed && (!run || reviewed->id != run->id)) m_review->clear();
     refreshPicker();
     refreshCards();
 }

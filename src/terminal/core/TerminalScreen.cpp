@@ -154,10 +154,11 @@ void TerminalScreen::printAscii(std::string_view text, const char* end) {
         const auto count = std::min(static_cast<int>(text.size()), m_columns - m_cursor.column);
         const auto length = static_cast<std::size_t>(count);
         const int taken = blocksFor(count);
+        const char* const bytes = text.data();
         TerminalRow& line = cursorLine();
-        if (count > 1 && m_cursor.column + taken <= m_columns && end - text.data() >= taken &&
+        if (count > 1 && m_cursor.column + taken <= m_columns && end - bytes >= taken &&
             line.writtenUpTo() <= m_cursor.column + count) {
-            writeBlocks(line.overwriteFrom(m_cursor.column), text.data(), count, m_style.cell);
+            writeBlocks(line.overwriteFrom(m_cursor.column), bytes, count, m_style.cell);
             line.written(m_cursor.column + count, nextStamp());
         } else {
             writeAscii(line.overwrite(m_cursor.column, count, nextStamp()), text.substr(0, length),

@@ -90,7 +90,9 @@ void TerminalScreen::reportPalette(std::string_view fields, std::string_view ter
     while (!fields.empty()) {
         const int number = smallNumber(takeField(fields));
         if (takeField(fields) != "?" || number < 0 || number >= paletteSize) continue;
-        respond("\x1B]4;" + std::to_string(number) + ";" + colorSpecification(*indexedColor(number).color()) +
+        // Every colour of the palette is one.
+        const Rgb color = indexedColor(number).color().value_or(Rgb{});
+        respond("\x1B]4;" + std::to_string(number) + ";" + colorSpecification(color) +
                 std::string(terminator));
     }
 }

@@ -222,9 +222,10 @@ void LinePainter::paintUnderline(TerminalCell::Underline style, const QRectF& ar
         // Counted from the left edge of the view, so that the pattern goes on from cell to cell.
         const double length = style == Underline::Dotted ? thick : 3 * thick;
         const double step = style == Underline::Dotted ? 2 * thick : 5 * thick;
-        for (double x = std::floor(area.left() / step) * step; x < area.right(); x += step) {
-            const double left = std::max(x, area.left());
-            const double right = std::min(x + length, area.right());
+        const int end = static_cast<int>(std::ceil(area.right() / step));
+        for (int number = static_cast<int>(std::floor(area.left() / step)); number < end; ++number) {
+            const double left = std::max(number * step, area.left());
+            const double right = std::min(number * step + length, area.right());
             if (right > left) m_painter.fillRect(QRectF(left, top, right - left, thick), color);
         }
         return;

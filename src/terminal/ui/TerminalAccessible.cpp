@@ -53,16 +53,17 @@ void TerminalAccessible::announceChanges(TerminalView& view) {
 }
 
 void TerminalAccessible::announce() {
-    const std::optional<TerminalText> known = std::exchange(m_announced, content());
+    const TerminalText now = content();
+    const std::optional<TerminalText> known = std::exchange(m_announced, now);
     // What was there before anybody listened is read on request.
     if (!known) return;
-    if (known->text != m_announced->text) {
-        const TextChange change = TextChange::between(known->text, m_announced->text);
+    if (known->text != now.text) {
+        const TextChange change = TextChange::between(known->text, now.text);
         QAccessibleTextUpdateEvent event(&view(), change.position, change.removed, change.inserted);
         QAccessible::updateAccessibility(&event);
     }
-    if (known->cursor != m_announced->cursor) {
-        QAccessibleTextCursorEvent event(&view(), m_announced->cursor);
+    if (known->cursor != now.cursor) {
+        QAccessibleTextCursorEvent event(&view(), now.cursor);
         QAccessible::updateAccessibility(&event);
     }
 }

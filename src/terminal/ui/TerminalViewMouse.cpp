@@ -234,7 +234,8 @@ void TerminalView::turnWheel(int steps, QWheelEvent& event) {
         if (!shown.modes().alternateScroll) return;
         const CursorKeys mode = shown.applicationCursor() ? CursorKeys::Application : CursorKeys::Normal;
         const std::string key = encodeKey(steps > 0 ? TerminalKey::Up : TerminalKey::Down, {}, mode);
-        m_session->sendBytes(QByteArray::fromStdString(key).repeated(keysPerStep * std::abs(steps)));
+        m_session->sendBytes(
+            QByteArray::fromStdString(key).repeated(qsizetype{keysPerStep} * std::abs(steps)));
     } else {
         setScrollOffset(m_scrollOffset + steps);
     }

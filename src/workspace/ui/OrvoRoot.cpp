@@ -108,8 +108,8 @@ void OrvoRoot::refreshPage() {
 }
 
 void OrvoRoot::refreshNotice() {
-    if (m_workspace.toast())
-        m_notice->showText(*m_workspace.toast());
+    if (const std::optional<QString>& toast = m_workspace.toast())
+        m_notice->showText(*toast);
     else
         m_notice->dismiss();
 }

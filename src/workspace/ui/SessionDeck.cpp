@@ -124,9 +124,9 @@ void SessionDeck::refreshPanes() {
     refreshNames();
     refreshActive();
     // After everybody has heard of the session, so that its page is in front by then.
-    if (!added || !m_workspace.activeSessionID()) return;
-    QMetaObject::invokeMethod(
-        this, [this, id = *m_workspace.activeSessionID()] { focusNewTerminal(id); }, Qt::QueuedConnection);
+    const std::optional<QUuid> active = m_workspace.activeSessionID();
+    if (!added || !active) return;
+    QMetaObject::invokeMethod(this, [this, id = *active] { focusNewTerminal(id); }, Qt::QueuedConnection);
 }
 
 void SessionDeck::refreshNames() {
@@ -148,11 +148,12 @@ void SessionDeck::refreshLayout() {
 }
 
 void SessionDeck::refreshActive() {
+    const std::optional<QUuid> active = m_workspace.activeSessionID();
     for (auto it = m_panes.cbegin(); it != m_panes.cend(); ++it) {
-        it.value()->setActive(it.key() == m_workspace.activeSessionID());
+        it.value()->setActive(it.key() == active);
     }
     refreshLayout();
-    if (m_workspace.activeSessionID()) m_grid->reveal(m_panes.value(*m_workspace.activeSessionID()));
+    if (active) m_grid->reveal(m_panes.value(*active));
 }
 
 void SessionDeck::focusTerminal(const QUuid& id) {

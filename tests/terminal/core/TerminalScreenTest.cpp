@@ -217,9 +217,8 @@ TEST(TerminalScreen, AStampChangesWithItsLineAndMovesWithIt) {
     EXPECT_EQ(screen.scrollbackLine(0).stamp(), written[0]);
     EXPECT_GT(screen.line(2).stamp(), *std::ranges::max_element(written));
 
-    for (const std::string_view change : {"\x1B[K", "x\u0301", "\x1B[@", "\x1B[P", "\x1B[X", "\x1B[2J",
-                                          "\x1B"
-                                          "c"}) {
+    for (const std::string_view change :
+         {"\x1B[K", "x\u0301", "\x1B[@", "\x1B[P", "\x1B[X", "\x1B[2J", "\033c"}) {
         screen.feed("\x1B[1;1Hxyz\x1B[1;1H");
         const std::uint64_t stamp = screen.line(0).stamp();
         screen.feed(change);

@@ -114,10 +114,9 @@ TEST(SessionEndurance, AThousandSessionsLeaveNothingBehind) {
 }
 
 TEST(SessionEndurance, AFloodCostsNoMemoryAndNoOtherSessionItsKeys) {
-    std::vector<std::unique_ptr<TestSession>> floods;
-    for (int i = 0; i < 8; ++i) {
-        floods.push_back(std::make_unique<TestSession>(QStringLiteral("yes the quick brown fox jumps")));
-    }
+    std::vector<std::unique_ptr<TestSession>> floods(8);
+    for (auto& flood : floods)
+        flood = std::make_unique<TestSession>(QStringLiteral("yes the quick brown fox jumps"));
     TestSession typing(QStringLiteral("stty -echo; print ready; cat"));
     typing.session->start();
     ASSERT_TRUE(typing.shows("ready"));

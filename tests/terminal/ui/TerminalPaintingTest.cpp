@@ -171,7 +171,7 @@ TEST(TerminalPainting, ScanLinesAreAtTheirHeights) {
     EXPECT_EQ(heights.front(), 0);
     EXPECT_EQ(heights.back(), last);
     for (int column = 1; column < 4; ++column)
-        EXPECT_NEAR(heights[static_cast<std::size_t>(column)], last * column / 4, 1) << column;
+        EXPECT_NEAR(heights[static_cast<std::size_t>(column)], last * column / 4.0, 1) << column;
 }
 
 TEST(TerminalPainting, BrailleDotsAreAtTheirPlaces) {
