@@ -107,6 +107,17 @@ TEST(Changes, EqualWhatHashingEverythingFinds) {
     }
 }
 
+// Its two sides are hashed at the same time.
+TEST(Changes, ALargeFileThatDiffersHasTheHashOfEachSide) {
+    const Tree tree;
+    QByteArray content(5 << 20, 'x');
+    const QByteArray before = content;
+    content[1 << 20] = 'y';
+    tree.write("baseline/large", before);
+    tree.write("copy/large", content);
+    EXPECT_EQ(changesOf(tree), (QList<FileChange>{{"large", hashOf(before), hashOf(content), 0644, 0644}}));
+}
+
 TEST(Changes, TellsHowManyFilesHaveBeenExamined) {
     Tree tree;
     for (int i = 0; i < 500; ++i)
