@@ -129,8 +129,8 @@ if __name__ == "__main__":
 
 class Studio {
 public:
-    Studio(QDir out, const ThemePreset& preset, QByteArray only)
-        : m_out(std::move(out)), m_preset(preset), m_only(std::move(only)) {
+    Studio(const QDir& out, const ThemePreset& preset, QByteArray only)
+        : m_out(out), m_preset(preset), m_only(std::move(only)) {
         QDir home(m_folder.path());
         // The shells of sessions look for programs below HOME too.
         qputenv("HOME", QFile::encodeName(home.path()));

@@ -87,6 +87,7 @@ void Workspace::sessionFinished(TerminalSession& session) {
 
 void Workspace::closeSession(const std::shared_ptr<TerminalSession>& closed) {
     // A reference of our own, because the argument may be an element of the list that is changed here.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): that is what the copy is for.
     const std::shared_ptr<TerminalSession> session(closed);
     if (const QString reason = m_teamRuns ? m_teamRuns->reasonToKeep(*session) : QString();
         !reason.isEmpty()) {

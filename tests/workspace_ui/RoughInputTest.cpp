@@ -73,7 +73,7 @@ protected:
 
 TEST_F(RoughInputTest, providersFoldersAndNoticesKeepEveryPageInShape) {
     QStringList recent;
-    for (QString name : roughTexts())
+    for (const QString& name : roughTexts())
         recent.append(m_folder.filePath(name.left(60).remove(u'/')));
     for (const QString& folder : std::as_const(recent))
         QDir().mkpath(folder);
