@@ -83,9 +83,8 @@ TEST_F(SharedHistoryTest, aCommandLineRunReachesTheOpenWindow) {
     window.record(sampleEntry(QStringLiteral("window")));
     window.attachInbox(m_inbox, Role::Merge);
     // It is stored on another thread.
-    ASSERT_TRUE(test::waitFor([&] {
-        return FilePreferences(m_folder, Access::ReadOnly).value(preference::history).has_value();
-    }));
+    ASSERT_TRUE(test::waitFor(
+        [&] { return FilePreferences(m_folder, Access::ReadOnly).value(preference::history).has_value(); }));
 
     FilePreferences linePreferences(m_folder, Access::ReadOnly);
     HistoryStore line(&linePreferences);

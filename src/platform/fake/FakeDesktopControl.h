@@ -46,7 +46,8 @@ public:
         opened = std::move(done);
     }
     void openAddress(const QUrl& address, const InstalledApplication& application, Done done) override {
-        log.append(QStringLiteral("open %1 in %2").arg(QString::fromLatin1(address.toEncoded()), application.id));
+        log.append(
+            QStringLiteral("open %1 in %2").arg(QString::fromLatin1(address.toEncoded()), application.id));
         addressOpened = std::move(done);
     }
     bool isTerminated(const RunningApplication&) const override {

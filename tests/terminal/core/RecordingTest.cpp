@@ -1,6 +1,6 @@
 // What assistants and everyday programs wrote (scripts/record_terminal.py), and the screens that it must
-// give. A screen that has changed for a reason is written anew with ORVO_WRITE_SCREENS=1, and looked at before
-// it is kept.
+// give. A screen that has changed for a reason is written anew with ORVO_WRITE_SCREENS=1, and looked at
+// before it is kept.
 #include "terminal/core/ScreenText.h"
 #include "terminal/core/TerminalScreen.h"
 
