@@ -4,7 +4,7 @@
 #include "history/HistoryInbox.h"
 #include "history/HistoryStore.h"
 #include "platform/linux/FilePreferences.h"
-#include "platform/linux/LogindSleepInhibitor.h"
+#include "platform/linux/LoadedSleepInhibitor.h"
 
 namespace orvo::ctl {
 
@@ -25,7 +25,7 @@ public:
 private:
     FilePreferences m_preferences;
     HistoryInbox m_inbox;
-    LogindSleepInhibitor m_sleepInhibitor;
+    LoadedSleepInhibitor m_sleepInhibitor;
     Assistants m_assistants;
     HistoryStore m_history;
 };

@@ -1,6 +1,7 @@
 #include "platform/linux/LogindSleepInhibitor.h"
 
 #include "platform/PrivateBus.h"
+#include "platform/linux/LoadedSleepInhibitor.h"
 
 #include <gtest/gtest.h>
 
@@ -86,6 +87,23 @@ TEST_F(LogindSleepInhibitorTest, holdsIdleSleepOffForAsLongAsTheAssertionLives) 
     EXPECT_TRUE(test::waitFor([&] { return inhibitors().size() == 1; }));
     second.reset();
     EXPECT_TRUE(test::waitFor([&] { return inhibitors().isEmpty(); }));
+}
+
+TEST_F(LogindSleepInhibitorTest, theModuleHoldsThroughTheSystemsOwnBus) {
+    ASSERT_NO_FATAL_FAILURE(startLogind());
+    if (IsSkipped()) return;
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address().toLatin1());
+    LoadedSleepInhibitor inhibitor;
+    auto first = inhibitor.hold(QStringLiteral("first"));
+    auto second = inhibitor.hold(QStringLiteral("second"));
+    EXPECT_NE(first, nullptr);
+    EXPECT_NE(second, nullptr);
+    EXPECT_EQ(inhibitors().size(), 2);
+    first.reset();
+    second.reset();
+    EXPECT_TRUE(test::waitFor([&] { return inhibitors().isEmpty(); }));
+    qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    QDBusConnection::disconnectFromBus(QStringLiteral("qt_default_system_bus"));
 }
 
 TEST_F(LogindSleepInhibitorTest, withoutLogindOrBusNothingIsHeld) {
