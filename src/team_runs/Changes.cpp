@@ -8,15 +8,18 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace orvo::RunFiles {
 namespace {
 
 constexpr size_t bufferSize = 64 << 10;
-// From here on a thread costs less than it saves: 4 MB take 2 ms to hash.
+// From here on a thread costs less than it saves: two files of 4 MB take 1 ms to compare.
 constexpr qint64 largeFile = 4 << 20;
 // Files that one worker takes together: they often share a folder.
 constexpr size_t batchFiles = 32;
@@ -51,15 +54,69 @@ struct Found {
     int mode = 0;
 };
 
+struct Buffers {
+    std::unique_ptr<char[]> left = std::make_unique_for_overwrite<char[]>(bufferSize);
+    std::unique_ptr<char[]> right = std::make_unique_for_overwrite<char[]>(bufferSize);
+};
+
+constexpr qint64 toTheEnd = std::numeric_limits<qint64>::max();
+
+/// Compares two open files, parts of them in several threads where that pays.
+class Comparison {
+public:
+    /// `size` is what both files had when they were looked at.
+    Comparison(int before, int after, qint64 size, const std::stop_token& stop)
+        : m_before(before), m_after(after), m_size(size), m_stop(stop) {}
+
+    /// Whether they are equal from `begin` to `end`; false as well when another part has been found
+    /// different.
+    SystemResult<bool> sameIn(qint64 begin, qint64 end, Buffers& buffers) {
+        while (begin < end && !m_differs) {
+            if (m_stop.stop_requested()) return tl::unexpected<int>(ECANCELED);
+            const auto wanted =
+                static_cast<size_t>(std::min<qint64>(static_cast<qint64>(bufferSize), end - begin));
+            const auto left = read(m_before, buffers.left.get(), wanted, begin);
+            if (!left) return tl::unexpected<int>(left.error());
+            const auto right = read(m_after, buffers.right.get(), wanted, begin);
+            if (!right) return tl::unexpected<int>(right.error());
+            if (*left != *right || std::memcmp(buffers.left.get(), buffers.right.get(), *left) != 0)
+                m_differs = true;
+            if (*left < wanted) break;
+            begin += static_cast<qint64>(wanted);
+        }
+        return !m_differs;
+    }
+
+private:
+    /// What there is of `wanted` bytes. Does not ask again at the end that the file is known to have.
+    SystemResult<size_t> read(int descriptor, char* buffer, size_t wanted, qint64 from) const {
+        size_t filled = 0;
+        while (filled < wanted) {
+            const qint64 at = from + static_cast<qint64>(filled);
+            if (filled > 0 && at >= m_size) break;
+            const ssize_t count = pread(descriptor, buffer + filled, wanted - filled, at);
+            if (count < 0 && errno == EINTR) continue;
+            if (count < 0) return tl::unexpected<int>(errno);
+            if (count == 0) break;
+            filled += static_cast<size_t>(count);
+        }
+        return filled;
+    }
+
+    int m_before;
+    int m_after;
+    qint64 m_size;
+    const std::stop_token& m_stop;
+    std::atomic<bool> m_differs{false};
+};
+
 /// Examines pairs, one at a time; one of these a thread.
 class Examiner {
 public:
     Examiner(int baseline, int result, const std::stop_token& stop)
         : m_baseline(baseline, FolderCursor::Missing::Fail),
           m_result(result, FolderCursor::Missing::Fail),
-          m_stop(stop),
-          m_left(std::make_unique_for_overwrite<char[]>(bufferSize)),
-          m_right(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+          m_stop(stop) {}
 
     /// The change, nothing when there is none, or the number of the error.
     SystemResult<std::optional<FileChange>> examine(const Pair& pair) {
@@ -80,7 +137,7 @@ private:
         const auto folder = cursor.folderOf(path);
         if (!folder) return tl::unexpected<int>(folder.error());
         struct stat status{};
-        auto file = openRegularFile(*folder, fileName(path), status);
+        auto file = openRegularFile(*folder, fileNameIn(path), status);
         if (!file) return tl::unexpected<int>(file.error());
         return Found{std::move(*file), permissionsOf(status)};
     }
@@ -95,53 +152,39 @@ private:
 
         SystemResult<bool> equal = false;
         if (pair.before->size == pair.after->size)
-            equal = sameContent(before->file.number(), after->file.number());
+            equal = sameContent(before->file.number(), after->file.number(), pair.before->size);
         if (!equal) return tl::unexpected<int>(equal.error());
         if (*equal && before->mode == after->mode) return std::nullopt;
-
-        SystemResult<QByteArray> beforeDigits;
-        SystemResult<QByteArray> afterDigits;
-        const auto hashBefore = [&] {
-            beforeDigits = hashDescriptor(before->file.number(), m_stop);
-        };
-        if (*equal) {
-            hashBefore();
-            afterDigits = beforeDigits;
-        } else {
-            // Where few large files differ, their other side is the only work there is for a second core.
-            std::optional<std::jthread> other;
-            if (pair.before->size >= largeFile) other.emplace(hashBefore);
-            afterDigits = hashDescriptor(after->file.number(), m_stop);
-            if (other)
-                other->join();
-            else
-                hashBefore();
-        }
-        if (!beforeDigits) return tl::unexpected<int>(beforeDigits.error());
-        if (!afterDigits) return tl::unexpected<int>(afterDigits.error());
+        auto digits = *equal ? hashDescriptor(before->file.number(), m_stop).map([](QByteArray same) {
+            return std::pair(same, same);
+        })
+                             : hashDescriptors(before->file.number(), after->file.number(), m_stop);
+        if (!digits) return tl::unexpected<int>(digits.error());
         // A file may have been written between the walk and now, and be as it was again.
-        if (*beforeDigits == *afterDigits && before->mode == after->mode) return std::nullopt;
-        return FileChange{pair.path(), std::move(*beforeDigits), std::move(*afterDigits), before->mode,
+        if (digits->first == digits->second && before->mode == after->mode) return std::nullopt;
+        return FileChange{pair.path(), std::move(digits->first), std::move(digits->second), before->mode,
                           after->mode};
     }
 
-    SystemResult<bool> sameContent(int before, int after) {
-        while (true) {
-            if (m_stop.stop_requested()) return tl::unexpected<int>(ECANCELED);
-            const auto left = readFully(before, m_left.get(), bufferSize);
-            if (!left) return tl::unexpected<int>(left.error());
-            const auto right = readFully(after, m_right.get(), bufferSize);
-            if (!right) return tl::unexpected<int>(right.error());
-            if (*left != *right || std::memcmp(m_left.get(), m_right.get(), *left) != 0) return false;
-            if (*left < bufferSize) return true;
-        }
+    SystemResult<bool> sameContent(int before, int after, qint64 size) {
+        Comparison comparison(before, after, size, m_stop);
+        if (size < largeFile) return comparison.sameIn(0, toTheEnd, m_buffers);
+        // Where there are few large files, the second half is the only work there is for a second core.
+        const qint64 middle = size / 2;
+        SystemResult<bool> end = false;
+        std::jthread other([&] {
+            Buffers buffers;
+            end = comparison.sameIn(middle, toTheEnd, buffers);
+        });
+        const SystemResult<bool> beginning = comparison.sameIn(0, middle, m_buffers);
+        other.join();
+        return beginning && *beginning ? end : beginning;
     }
 
     FolderCursor m_baseline;
     FolderCursor m_result;
     const std::stop_token& m_stop;
-    std::unique_ptr<char[]> m_left;
-    std::unique_ptr<char[]> m_right;
+    Buffers m_buffers;
 };
 
 using Answers = std::vector<SystemResult<std::optional<FileChange>>>;

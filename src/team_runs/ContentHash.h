@@ -8,12 +8,13 @@
 
 #include <memory>
 #include <stop_token>
+#include <utility>
 
 namespace orvo::RunFiles {
 
 class Digest;
 
-/// SHA-256 of content that comes in pieces, with the processor's own instructions where it has them.
+/// SHA-256 of content that comes in pieces, by the fastest means that this processor and installation have.
 class ContentHash {
 public:
     ContentHash();
@@ -29,6 +30,10 @@ private:
 
 /// Reads an open file from its beginning. EFBIG when it holds more than a copy may; ECANCELED when stopped.
 SystemResult<QByteArray> hashDescriptor(int descriptor, const std::stop_token& stop = {});
+
+/// The same of two open files at once.
+SystemResult<std::pair<QByteArray, QByteArray>> hashDescriptors(int first, int second,
+                                                                const std::stop_token& stop = {});
 
 /// The hash of the regular file at `file`; links are not followed.
 Result<QByteArray> hash(const FilePath& file);

@@ -51,7 +51,7 @@ public:
         const auto folder = m_source.folderOf(file.path);
         if (!folder) return failed(file, folder.error());
         struct stat status{};
-        const auto source = openRegularFile(*folder, fileName(file.path), status);
+        const auto source = openRegularFile(*folder, fileNameIn(file.path), status);
         if (!source) return failed(file, source.error());
         if (!createTargets(file)) return false;
         if (status.st_size > 0 && !fill(file, source->number(), status.st_size)) return false;
@@ -65,12 +65,12 @@ private:
     }
 
     bool createTargets(const MappedFile& file) {
-        const QByteArray name = fileName(file.path);
+        const char* const name = fileNameIn(file.path);
         for (size_t i = 0; i < m_targets.size(); ++i) {
             const auto folder = m_destinations[i].folderOf(file.path);
             if (!folder) return failed(file, folder.error());
             m_targets[i] = FileDescriptor(
-                openat(*folder, name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+                openat(*folder, name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
             if (!m_targets[i].isOpen()) return failed(file, errno);
         }
         return true;

@@ -29,7 +29,7 @@ using FileMap = std::vector<MappedFile>;
 
 /// Whether an entry with this name stays out, with everything inside it: version control, dependencies, build
 /// results, keys, environment files, application bundles.
-bool isExcluded(const QByteArray& name);
+bool isExcluded(QByteArrayView name);
 
 /// Walks `root` without following links. Fails with a sentence for the person when the folder is missing,
 /// cannot be read, or holds more than the limits. Any thread.

@@ -46,6 +46,8 @@ SystemResult<FileDescriptor> openByComponents(int folder, const QByteArray& path
 
 /// A path that one system call takes.
 SystemResult<FileDescriptor> openShortPath(int folder, const QByteArray& path) {
+    // One name leads nowhere else, and the plain call is cheaper.
+    if (!path.contains('/')) return openChild(folder, path);
     static std::atomic<bool> supported{true};
     if (supported) {
         open_how how{};
@@ -111,13 +113,12 @@ SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path)
     return current;
 }
 
-SystemResult<FileDescriptor> openRegularFile(int folder, const QByteArray& name, struct stat& status) {
+SystemResult<FileDescriptor> openRegularFile(int folder, const char* name, struct stat& status) {
     // Looked at first, because opening a device or a pipe can already have an effect.
-    if (fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0) return lastError();
+    if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return lastError();
     if (S_ISLNK(status.st_mode)) return tl::unexpected<int>(ELOOP);
     if (!S_ISREG(status.st_mode)) return tl::unexpected<int>(EINVAL);
-    FileDescriptor file(
-        openat(folder, name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    FileDescriptor file(openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) return lastError();
     // Looked at again, because something else may have taken its place in between.
     if (fstat(file.number(), &status) != 0) return lastError();
@@ -131,6 +132,10 @@ QByteArray parentPath(const QByteArray& path) {
 
 QByteArray fileName(const QByteArray& path) {
     return path.mid(path.lastIndexOf('/') + 1);
+}
+
+const char* fileNameIn(const QByteArray& path) {
+    return path.constData() + path.lastIndexOf('/') + 1;
 }
 
 SystemResult<size_t> readFully(int descriptor, char* buffer, size_t size) {
@@ -157,14 +162,15 @@ SystemResult<void> writeFully(int descriptor, const char* data, size_t size) {
 }
 
 SystemResult<int> FolderCursor::folderOf(const QByteArray& path) {
-    const QByteArray parent = parentPath(path);
-    if (parent.isEmpty()) return m_root;
-    if (m_folder.isOpen() && parent == m_path) return m_folder.number();
+    const QByteArrayView parentView(path.constData(), std::max<qsizetype>(path.lastIndexOf('/'), 0));
+    if (parentView.isEmpty()) return m_root;
+    if (m_folder.isOpen() && parentView == m_path) return m_folder.number();
+    QByteArray parent = parentView.toByteArray();
     auto folder =
         m_missing == Missing::Create ? makeFolderBeneath(m_root, parent) : openFolderBeneath(m_root, parent);
     if (!folder) return tl::unexpected<int>(folder.error());
     m_folder = std::move(*folder);
-    m_path = parent;
+    m_path = std::move(parent);
     return m_folder.number();
 }
 

@@ -27,11 +27,13 @@ SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path)
 
 /// A regular file of `folder`, for reading. A link gives ELOOP; a folder, pipe, socket or device gives EINVAL
 /// and is not opened. `status` describes what was opened.
-SystemResult<FileDescriptor> openRegularFile(int folder, const QByteArray& name, struct stat& status);
+SystemResult<FileDescriptor> openRegularFile(int folder, const char* name, struct stat& status);
 
 /// "a/b" of "a/b/c"; empty for a name without a folder.
 QByteArray parentPath(const QByteArray& path);
 QByteArray fileName(const QByteArray& path);
+/// The same without a copy: within `path`.
+const char* fileNameIn(const QByteArray& path);
 
 /// Permission bits as they are compared and stored.
 inline int permissionsOf(const struct stat& status) {

@@ -107,15 +107,25 @@ TEST(Changes, EqualWhatHashingEverythingFinds) {
     }
 }
 
-// Its two sides are hashed at the same time.
+// Its halves are compared, and its two sides hashed, at the same time.
 TEST(Changes, ALargeFileThatDiffersHasTheHashOfEachSide) {
-    const Tree tree;
-    QByteArray content(5 << 20, 'x');
-    const QByteArray before = content;
-    content[1 << 20] = 'y';
-    tree.write("baseline/large", before);
-    tree.write("copy/large", content);
-    EXPECT_EQ(changesOf(tree), (QList<FileChange>{{"large", hashOf(before), hashOf(content), 0644, 0644}}));
+    const QByteArray before(5'000'001, 'x');
+    for (const qsizetype at : {qsizetype{0}, before.size() / 2 - 1, before.size() / 2, before.size() - 1}) {
+        const Tree tree;
+        QByteArray after = before;
+        after[at] = 'y';
+        tree.write("baseline/large", before);
+        tree.write("copy/large", after);
+        tree.write("baseline/longer", before);
+        tree.write("copy/longer", before + 'x');
+        tree.write("baseline/same", before);
+        tree.write("copy/same", before);
+        EXPECT_EQ(changesOf(tree), (QList<FileChange>{
+                                       {"large", hashOf(before), hashOf(after), 0644, 0644},
+                                       {"longer", hashOf(before), hashOf(before + 'x'), 0644, 0644},
+                                   }))
+            << at;
+    }
 }
 
 TEST(Changes, TellsHowManyFilesHaveBeenExamined) {

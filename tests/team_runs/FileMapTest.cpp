@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -142,6 +145,29 @@ TEST(FileMap, FoldersDeeperThanAPathMayBeLongAreReached) {
     const QList<QByteArray> paths = pathsOf(tree.path());
     ASSERT_EQ(paths.size(), 1);
     EXPECT_EQ(paths[0].size(), 60 * 201 + 4);
+}
+
+// Each level has two folders more, so that the walk comes back to all of them after the deepest one.
+TEST(FileMap, TheFoldersBesideADeepPathAreReachedWithFewDescriptors) {
+    const Tree tree;
+    QList<QByteArray> expected;
+    QByteArray folder;
+    for (int level = 0; level < 50; ++level) {
+        for (const char* name : {"a", "c"}) {
+            expected.append(folder + name + "/file");
+            tree.write(expected.last(), "x");
+        }
+        folder += "b/";
+    }
+    std::ranges::sort(expected);
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const FileDescriptor next(open("/", O_RDONLY | O_CLOEXEC));
+    const rlimit few{static_cast<rlim_t>(next.number()) + 24, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    const QList<QByteArray> paths = pathsOf(tree.path());
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(paths, expected);
 }
 
 TEST(FolderAccess, NoLinkIsFollowedOnTheWay) {
