@@ -1,7 +1,8 @@
 // Prints what the copies of a team run and the search for changes cost beside the everyday tools, on four
-// generated projects: orvo_team_runs_bench [FOLDER]. Wall and processor time of whole processes, medians of
-// interleaved rounds, warm cache. FOLDER (the system's temporary one by default) decides the file system.
-#include "team_runs/Changes.h"
+// generated projects: orvo_team_runs_bench [FOLDER [changes|copies]]. Wall and processor time of whole
+// processes, medians of interleaved rounds, warm cache. FOLDER (the system's temporary one by default)
+// decides the file system. The changes are found by the program orvoctl beside this one, started as its peers
+// are; the copies, which a run makes within the running window, by a fork of this process.
 #include "team_runs/Snapshot.h"
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,7 +30,8 @@ namespace orvo::bench {
 namespace {
 
 constexpr int copies = 5;  // the baseline, and four assistants
-constexpr size_t rounds = 3;
+constexpr size_t copyRounds = 3;
+constexpr size_t changeRounds = 15;
 
 struct Project {
     const char* name;
@@ -55,14 +58,14 @@ struct Cost {
     double memory = 0;     // megabytes at most
 };
 
-/// Runs `work` in a process of its own.
-Cost costOf(const std::function<int()>& work) {
+/// What the process costs that `start` makes. An exit status above `mostStatus` is a failure.
+Cost costOf(const std::function<pid_t()>& start, int mostStatus) {
     const auto begin = std::chrono::steady_clock::now();
-    const pid_t child = fork();
-    if (child == 0) _exit(work());
+    const pid_t child = start();
     int status = 0;
     rusage used{};
-    if (child < 0 || wait4(child, &status, 0, &used) != child || status != 0) {
+    if (child <= 0 || wait4(child, &status, 0, &used) != child || !WIFEXITED(status) ||
+        WEXITSTATUS(status) > mostStatus) {
         std::fprintf(stderr, "a measured process failed\n");
         std::exit(1);
     }
@@ -74,9 +77,30 @@ Cost costOf(const std::function<int()>& work) {
             static_cast<double>(used.ru_maxrss) / 1024};
 }
 
-int shell(const std::string& command) {
-    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-    return 127;
+/// A copy of this process that does `work`.
+pid_t forked(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(work());
+    return child;
+}
+
+/// Another program, whose output goes nowhere.
+pid_t spawned(std::vector<std::string> words) {
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t child = 0;
+    const int error = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? child : -1;
+}
+
+pid_t shell(const std::string& command) {
+    return spawned({"sh", "-c", command});
 }
 
 std::string quoted(const fs::path& path) {
@@ -167,7 +191,7 @@ void touchMemory(const fs::path& folder) {
 
 class Table {
 public:
-    explicit Table(fs::path folder) : m_folder(std::move(folder)) {}
+    Table(fs::path folder, const std::string& only) : m_folder(std::move(folder)), m_only(only) {}
 
     void measure(const Project& project) {
         const fs::path source = m_folder / project.name;
@@ -179,15 +203,15 @@ public:
         const fs::path edited = m_folder / (std::string(project.name) + "-edited");
         if (!RunFiles::snapshot(pathOf(source), {pathOf(baseline), pathOf(edited)})) std::exit(1);
         edit(edited);
-        measureCopies(project, source);
-        measureChanges(project, baseline, edited);
+        if (m_only != "changes") measureCopies(project, source);
+        if (m_only != "copies") measureChanges(project, baseline, edited);
         for (const fs::path& folder : {source, baseline, edited})
             empty(folder);
     }
 
 private:
     static void run(const std::string& command) {
-        (void)costOf([&] { return shell(command); });
+        (void)costOf([&] { return shell(command); }, 0);
     }
 
     fs::path fresh() {
@@ -196,9 +220,10 @@ private:
         return folder;
     }
 
-    using Peer = std::pair<const char*, std::function<int(const fs::path&)>>;
+    using Peer = std::pair<const char*, std::function<pid_t(const fs::path&)>>;
 
-    void compare(const char* project, const char* work, const std::vector<Peer>& peers) {
+    void compare(const char* project, const char* work, const std::vector<Peer>& peers, size_t rounds,
+                 int mostStatus) {
         std::vector<std::vector<Cost>> costs(peers.size());
         for (size_t round = 0; round <= rounds; ++round) {
             for (size_t place = 0; place < peers.size(); ++place) {
@@ -206,7 +231,7 @@ private:
                 const size_t index = (place + round) % peers.size();
                 const fs::path folder = fresh();
                 touchMemory(m_folder);
-                const Cost cost = costOf([&] { return peers[index].second(folder); });
+                const Cost cost = costOf([&] { return peers[index].second(folder); }, mostStatus);
                 empty(folder);
                 // The first round fills the caches.
                 if (round > 0) costs[index].push_back(cost);
@@ -232,7 +257,7 @@ private:
                       QList<FilePath> targets;
                       for (int copy = 0; copy < copies; ++copy)
                           targets.append(pathOf(folder / std::to_string(copy)));
-                      return RunFiles::snapshot(pathOf(source), targets) ? 0 : 1;
+                      return forked([&] { return RunFiles::snapshot(pathOf(source), targets) ? 0 : 1; });
                   }},
                  {"5 x cp -a",
                   [&](const fs::path& folder) {
@@ -252,33 +277,43 @@ private:
                                      quoted(folder / std::to_string(copy)) + " 2>/dev/null";
                       return shell(command);
                   }},
-                 {"(empty files, memory)", [&](const fs::path& folder) {
-                      return creation(source, folder);
-                  }}});
+                 {"(empty files, memory)",
+                  [&](const fs::path& folder) {
+                      return forked([&] { return creation(source, folder); });
+                  }}},
+                copyRounds, 0);
     }
 
     void measureChanges(const Project& project, const fs::path& baseline, const fs::path& edited) {
+        const std::string program = fs::read_symlink("/proc/self/exe").parent_path() / "orvoctl";
+        const std::string before = baseline;
+        const std::string after = edited;
+        // The peers say with 1 that there are differences; so would orvoctl that it failed, which is asked
+        // first.
+        (void)costOf([&] { return spawned({program, "changes", before, after}); }, 0);
         compare(project.name, "changes",
                 {{"orvo",
                   [&](const fs::path&) {
-                      return RunFiles::changes(pathOf(baseline), pathOf(edited)) ? 0 : 1;
+                      return spawned({program, "changes", before, after});
                   }},
                  {"git diff --no-index --stat",
                   [&](const fs::path&) {
-                      return shell("git diff --no-index --stat " + quoted(baseline) + " " + quoted(edited) +
-                                   " >/dev/null; [ $? -le 1 ]");
+                      return spawned({"git", "diff", "--no-index", "--stat", before, after});
                   }},
-                 {"diff -rq", [&](const fs::path&) {
-                      return shell("diff -rq " + quoted(baseline) + " " + quoted(edited) +
-                                   " >/dev/null; [ $? -le 1 ]");
-                  }}});
+                 {"diff -rq",
+                  [&](const fs::path&) {
+                      return spawned({"diff", "-rq", before, after});
+                  }}},
+                changeRounds, 1);
     }
 
     const fs::path m_folder;
+    // Nothing, or the one work to measure.
+    const std::string m_only;
     int m_rounds = 0;
 };
 
-int main(const fs::path& parent) {
+int main(const fs::path& parent, const std::string& only) {
     std::string folder = (parent / "orvo-bench-XXXXXX").string();
     if (!mkdtemp(folder.data())) {
         std::perror("orvo_team_runs_bench");
@@ -286,7 +321,7 @@ int main(const fs::path& parent) {
     }
     std::printf("%-6s %-8s %-28s %9s %9s %7s %8s %8s\n", "files", "work", "by", "wall ms", "cpu ms", "MB",
                 "orvo/it", "cpu/cpu");
-    Table table(folder);
+    Table table(folder, only);
     for (const Project& project : projects)
         table.measure(project);
     fs::remove_all(folder);
@@ -297,5 +332,5 @@ int main(const fs::path& parent) {
 }  // namespace orvo::bench
 
 int main(int argc, char** argv) {
-    return orvo::bench::main(argc > 1 ? argv[1] : fs::temp_directory_path());
+    return orvo::bench::main(argc > 1 ? argv[1] : fs::temp_directory_path(), argc > 2 ? argv[2] : "");
 }
