@@ -314,16 +314,19 @@ private:
 };
 
 int main(const fs::path& parent, const std::string& only) {
-    std::string folder = (parent / "orvo-bench-XXXXXX").string();
+    std::string folder = (fs::absolute(parent) / "orvo-bench-XXXXXX").string();
     if (!mkdtemp(folder.data())) {
         std::perror("orvo_team_runs_bench");
         return 1;
     }
+    // Within a repository git would look at that one too.
+    fs::current_path(folder);
     std::printf("%-6s %-8s %-28s %9s %9s %7s %8s %8s\n", "files", "work", "by", "wall ms", "cpu ms", "MB",
                 "orvo/it", "cpu/cpu");
     Table table(folder, only);
     for (const Project& project : projects)
         table.measure(project);
+    fs::current_path("/");
     fs::remove_all(folder);
     return 0;
 }
