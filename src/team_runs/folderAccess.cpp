@@ -1,5 +1,6 @@
 #include "team_runs/folderAccess.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -92,18 +93,21 @@ SystemResult<FileDescriptor> openFolderBeneath(int root, const QByteArray& path)
     return current;
 }
 
-SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path) {
+SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path, qsizetype known) {
     auto folder = openFolderBeneath(root, path);
     if (folder || folder.error() != ENOENT) return folder;
     // From the deepest part that exists, downward: no recursion, however deep the path.
-    qsizetype existing = path.size();
-    FileDescriptor current;
-    do {
-        existing = std::max<qsizetype>(path.lastIndexOf('/', existing - 1), 0);
-        folder = openFolderBeneath(root, path.left(existing));
-    } while (!folder && folder.error() == ENOENT && existing > 0);
+    qsizetype existing = known;
+    if (existing > 0) folder = openFolderBeneath(root, path.left(existing));
+    if (!folder && folder.error() == ENOENT) {
+        existing = path.size();
+        do {
+            existing = std::max<qsizetype>(path.lastIndexOf('/', existing - 1), 0);
+            folder = openFolderBeneath(root, path.left(existing));
+        } while (!folder && folder.error() == ENOENT && existing > 0);
+    }
     if (!folder) return folder;
-    current = std::move(*folder);
+    FileDescriptor current = std::move(*folder);
     for (const QByteArray& name : path.mid(existing == 0 ? 0 : existing + 1).split('/')) {
         if (mkdirat(current.number(), name.constData(), 0777) != 0 && errno != EEXIST) return lastError();
         auto next = openShortPath(current.number(), name);
@@ -161,13 +165,22 @@ SystemResult<void> writeFully(int descriptor, const char* data, size_t size) {
     return {};
 }
 
+qsizetype FolderCursor::sharedWith(const QByteArray& path) const {
+    if (!m_folder.isOpen()) return 0;
+    const auto differs = std::mismatch(path.begin(), path.end(), m_path.begin(), m_path.end());
+    const auto length = differs.first - path.begin();
+    // Whole names only.
+    const bool whole = differs.second == m_path.end() && (length == path.size() || path.at(length) == '/');
+    return whole ? length : std::max<qsizetype>(path.left(length).lastIndexOf('/'), 0);
+}
+
 SystemResult<int> FolderCursor::folderOf(const QByteArray& path) {
     const QByteArrayView parentView(path.constData(), std::max<qsizetype>(path.lastIndexOf('/'), 0));
     if (parentView.isEmpty()) return m_root;
     if (m_folder.isOpen() && parentView == m_path) return m_folder.number();
     QByteArray parent = parentView.toByteArray();
-    auto folder =
-        m_missing == Missing::Create ? makeFolderBeneath(m_root, parent) : openFolderBeneath(m_root, parent);
+    auto folder = m_missing == Missing::Create ? makeFolderBeneath(m_root, parent, sharedWith(parent))
+                                               : openFolderBeneath(m_root, parent);
     if (!folder) return tl::unexpected<int>(folder.error());
     m_folder = std::move(*folder);
     m_path = std::move(parent);

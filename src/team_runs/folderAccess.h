@@ -22,8 +22,10 @@ using SystemResult = tl::expected<T, int>;
 SystemResult<FileDescriptor> openRoot(const FilePath& folder);
 /// The folder at `path`; the root itself (a second descriptor of it) for an empty path.
 SystemResult<FileDescriptor> openFolderBeneath(int root, const QByteArray& path);
-/// The same, creating what is missing (mode 0777 less the umask).
-SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path);
+/// The same, creating what is missing (mode 0777 less the umask). `known` bytes of `path` name a folder that
+/// was there a moment ago: with many new folders, looking for the deepest old one would cost more than making
+/// them.
+SystemResult<FileDescriptor> makeFolderBeneath(int root, const QByteArray& path, qsizetype known = 0);
 
 /// A regular file of `folder`, for reading. A link gives ELOOP; a folder, pipe, socket or device gives EINVAL
 /// and is not opened. `status` describes what was opened.
@@ -57,6 +59,9 @@ public:
     SystemResult<int> folderOf(const QByteArray& path);
 
 private:
+    /// How many bytes of `path` name a folder on the way to the one used last, or that one.
+    qsizetype sharedWith(const QByteArray& path) const;
+
     int m_root;
     Missing m_missing;
     QByteArray m_path;

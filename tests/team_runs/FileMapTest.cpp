@@ -191,5 +191,33 @@ TEST(FolderAccess, NoLinkIsFollowedOnTheWay) {
     EXPECT_FALSE(tree.exists("real/sub/new"));
 }
 
+TEST(FolderAccess, FoldersAreMadeBesideBelowAndAboveTheOneUsedLast) {
+    const Tree tree;
+    const auto root = openRoot(tree.path());
+    ASSERT_TRUE(root);
+    FolderCursor cursor(root->number(), FolderCursor::Missing::Create);
+    const auto putFile = [&](const QByteArray& path) {
+        const auto folder = cursor.folderOf(path);
+        ASSERT_TRUE(folder) << path.constData();
+        ASSERT_EQ(mknodat(*folder, fileNameIn(path), S_IFREG | 0600, 0), 0) << path.constData();
+        EXPECT_TRUE(tree.exists(path)) << path.constData();
+    };
+    for (const char* path :
+         {"a/b/c/1", "a/b/c2/2", "a/b/c/d/e/3", "a/b/4", "ab/5", "ab/b/c/6", "7", "a/b/c/8"})
+        ASSERT_NO_FATAL_FAILURE(putFile(path));
+
+    // What was there a moment ago may be gone, or a link.
+    tree.write("gone/x/1", "1");
+    ASSERT_TRUE(cursor.folderOf("gone/x/2"));
+    tree.remove("gone");
+    ASSERT_NO_FATAL_FAILURE(putFile("gone/y/3"));
+    tree.makeFolder("elsewhere");
+    ASSERT_TRUE(cursor.folderOf("link/x/1"));
+    tree.remove("link");
+    tree.link("link", "elsewhere");
+    EXPECT_EQ(cursor.folderOf("link/y/2").error(), ELOOP);
+    EXPECT_FALSE(tree.exists("elsewhere/y"));
+}
+
 }  // namespace
 }  // namespace orvo
