@@ -11,7 +11,7 @@ import subprocess
 import sys
 import time
 
-from desktop import Program, checked, press_key, set_text, text_of, wait_for, xdotool
+from desktop import Program, activate_window, text_of, wait_for, xdotool
 from home import on_a_project
 
 FILES = 300
@@ -49,24 +49,17 @@ class Abuse:
         self.program.process, self.program.errors = fresh.process, fresh.errors
         self.program.find("push button", "New terminal")
 
-    def dispatch(self):
-        for name in ("Claude Code", "Codex"):
-            box = self.program.find("check box", name)
-            wait_for(f"{name} to be ready", lambda box=box: checked(box))
-        set_text(self.program.find("text", "Task for selected assistants"), "Change everything")
-        self.program.press("Run task")
-
     # Each does one kind of work and is killed in the middle of it.
 
     def in_a_task(self):
         before = contents(self.project)
-        self.dispatch()
+        self.program.send("Change everything")
         self.kill(1.5)
         assert contents(self.project) == before, "a task in copies changed the project"
 
     def in_an_apply(self):
         program = self.program
-        self.dispatch()
+        program.send("Change everything")
         wait_for("both exits", lambda: len(program.all(name="Exit 0")) == 2)
         program.press("Team runs")
         review = wait_for("a copy", lambda: program.all("push button", "Review files"))
@@ -111,14 +104,9 @@ class Abuse:
 
     def in_a_save(self):
         program = self.program
-        program.press("Files & runner")
-        program.click(program.find("list item", "notes.md"))
-        editor = program.find("text", "Code editor")
         notes = self.project / "notes.md"
         before = notes.read_text()
-        wait_for("the file", lambda: text_of(editor) == before)
-        program.click(editor)
-        press_key("ctrl+End")
+        editor = program.edit("notes.md", before)
         line = f"line {self.chance.randrange(10 ** 6)} "
         xdotool("type", "--delay", "4", "--", line)
         wait_for("the line", lambda: text_of(editor) == before + line)
@@ -157,7 +145,7 @@ class Abuse:
                 name.unlink()
         self.start()
         print(f"{kills} kills; {self.cut_applies} applies were cut off and named")
-        xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+        activate_window()
 
 
 def prepare(root):

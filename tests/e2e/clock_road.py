@@ -10,7 +10,7 @@ import re
 import subprocess
 import sys
 
-from desktop import Program, checked, set_text, wait_for, xdotool
+from desktop import Program, activate_window, wait_for
 from home import on_a_project
 
 HOUR = 3600
@@ -45,20 +45,13 @@ class Clock:
 
 def work(program, clock, task, meanwhile):
     """Two assistants work on `task`; the clock is moved while they do."""
-    for name in ("Claude Code", "Codex"):
-        box = program.find("check box", name)
-        wait_for(f"{name} to be ready", lambda box=box: checked(box))
-    set_text(program.find("text", "Task for selected assistants"), task)
-    program.press("Run task")
+    program.send(task)
     wait_for("two terminals", lambda: len(program.all("terminal")) == 2)
     clock.move(meanwhile)
     clock.go.touch()
     wait_for("both exits", lambda: len(program.all(name="Exit 0")) == 2)
     clock.go.unlink()
-    while count := len(program.all("terminal")):
-        program.press("Session menu")
-        program.do(program.find("menu item", "Close pane"))
-        wait_for("one pane less", lambda count=count: len(program.all("terminal")) < count)
+    program.close_panes()
 
 
 def told(orvoctl, *words):
@@ -122,7 +115,7 @@ def walk(program, project, orvoctl, clock):
     assert {run["prompt"] for run in told(orvoctl, "runs")} >= {"long ago", "noon"}
     assert told(orvoctl, "history")[0]["title"] == "long ago"
     run_without_window(orvoctl, clock, project)
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
 
 
 def main(binary, orvoctl, library, pictures):

@@ -6,7 +6,7 @@ import subprocess
 import sys
 import time
 
-from desktop import press_key, text_of, type_text, wait_for, xdotool
+from desktop import activate_window, press_key, text_of, type_text, wait_for, xdotool
 from home import on_a_project
 
 SCREEN = (1600, 1000)
@@ -141,14 +141,14 @@ def walk(program, project):
         film.wait()
 
     # The window hides while the pet is there, and comes back.
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
     press_key("alt+F4")
     wait_for("the window to hide", lambda: not program.all("push button", "Back to Settings"))
     assert program.process.poll() is None
     click_pet()
     program.press("Customize pet")
     program.find("push button", "Back to Settings")
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
 
 
 if __name__ == "__main__":

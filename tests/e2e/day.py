@@ -14,7 +14,7 @@ import sys
 import time
 
 from companion_road import click_pet, draft, pet
-from desktop import checked, press_key, set_text, text_of, wait_for, xdotool
+from desktop import activate_window, press_key, set_text, text_of, wait_for, xdotool
 from home import on_a_project
 from voice_road import PROGRAMS, SKIPPED, say, sound_server
 
@@ -97,33 +97,16 @@ class Day:
         program = self.program
         program.press("Workspace")
         program.press(mode, "radio button")
-        for name in ("Claude Code", "Codex"):
-            box = program.find("check box", name)
-            wait_for(f"{name} to be ready", lambda box=box: checked(box))
-        set_text(program.find("text", "Task for selected assistants"), task)
-        program.press("Run task")
+        program.send(task)
         self.sent += 2
         wait_for("both exits", lambda: len(program.all(name="Exit 0")) == 2, 60)
-        self.close_panes()
-
-    def close_panes(self):
-        while count := len(self.program.all("terminal")):
-            self.program.press("Session menu")
-            self.program.do(self.program.find("menu item", "Close pane"))
-            wait_for("one pane less", lambda count=count: len(self.program.all("terminal")) < count)
-
-    def review_newest(self):
-        program = self.program
-        program.press("Team runs")
-        buttons = wait_for("the copy", lambda: [b for b in program.all("push button", "Review files")
-                                                if b.get_description() == "Claude Code"])
-        program.do(buttons[0])
-        program.find(name="2 changed files")
+        program.close_panes()
 
     def apply(self, name):
         """One file of the newest run; true when it was taken over, false when the application refused."""
         program = self.program
-        self.review_newest()
+        program.review("Claude Code")
+        program.find(name="2 changed files")
         program.do(program.find("check box", name), "Toggle")
         program.press("Apply selected (1)")
         program.press("Apply changes")
@@ -134,12 +117,7 @@ class Day:
 
     def edit(self, line):
         program = self.program
-        program.press("Files & runner")
-        program.click(program.find("list item", "README.md"))
-        editor = program.find("text", "Code editor")
-        wait_for("the file", lambda: text_of(editor) == (self.project / "README.md").read_text())
-        program.click(editor)
-        press_key("ctrl+End")
+        program.edit("README.md", (self.project / "README.md").read_text())
         xdotool("type", "--delay", "5", "--", line)
         program.find(name="Unsaved changes")
         press_key("ctrl+s")
@@ -158,7 +136,7 @@ class Day:
         program.press("Make a plan")
         program.find(name="1. Open the notes")
         program.press("Workspace")
-        self.close_panes()
+        program.close_panes()
 
     def dictate(self):
         program = self.program
@@ -174,7 +152,7 @@ class Day:
         wait_for("the pet to rest", lambda: program.all(name="Microphone off. Your draft is ready to review."))
         press_key("Escape")
         wait_for("the draft to close", lambda: not draft())
-        xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+        activate_window()
 
     def clear_history(self):
         program = self.program
@@ -265,7 +243,7 @@ def walk(binary, orvoctl, tasks, sound, program, project):
     program.find("push button", "New terminal")
     program.press("History")
     program.find(name="Pick up the thread.")
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
 
 
 def prepare(root):

@@ -97,6 +97,37 @@ class Program:
     def press(self, name, role="push button"):
         self.do(self.find(role, name))
 
+    def send(self, task):
+        """Gives both assistants the task, once they are ready."""
+        for name in ("Claude Code", "Codex"):
+            box = self.find("check box", name)
+            wait_for(f"{name} to be ready and chosen", lambda box=box: checked(box))
+        set_text(self.find("text", "Task for selected assistants"), task)
+        self.press("Run task")
+
+    def close_panes(self):
+        while count := len(self.all("terminal")):
+            self.press("Session menu")
+            self.do(self.find("menu item", "Close pane"))
+            wait_for("one pane less", lambda count=count: len(self.all("terminal")) < count)
+
+    def review(self, assistant):
+        """The changes that it made in the newest run."""
+        self.press("Team runs")
+        buttons = wait_for(f"the copy of {assistant}", lambda: [
+            button for button in self.all("push button", "Review files") if button.get_description() == assistant])
+        self.do(buttons[0])
+
+    def edit(self, name, text):
+        """The editor with that file, which says `text`, and the caret at its end."""
+        self.press("Files & runner")
+        self.click(self.find("list item", name))
+        editor = self.find("text", "Code editor")
+        wait_for("the file", lambda: text_of(editor) == text)
+        self.click(editor)
+        press_key("ctrl+End")
+        return editor
+
     @staticmethod
     def do(node, action="Press"):
         """The named action, or the first when the control calls it differently."""
@@ -125,6 +156,10 @@ class Program:
 
 def xdotool(*arguments):
     subprocess.run(["xdotool", *arguments], check=True)
+
+
+def activate_window():
+    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
 
 
 def type_text(text):

@@ -65,10 +65,7 @@ def run_script(program, project):
 
     program.press("Files & runner")
     set_text(program.find("text", "Find a file…"), "")
-    program.click(program.find("list item", "windows.txt"))
-    wait_for("the other file", lambda: text_of(editor) == "one\ntwo\nthree\n")
-    program.click(editor)
-    press_key("ctrl+End")
+    program.edit("windows.txt", "one\ntwo\nthree\n")
     type_text("four")
     press_key("Return")
     press_key("ctrl+s")

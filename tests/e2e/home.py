@@ -15,11 +15,6 @@ def on_a_project(binary, pictures, assistant, road, prepare=lambda root: None, l
     """
     root = pathlib.Path(tempfile.mkdtemp())
     project = make_home(root, assistant)
-    for variable in ("CONFIG", "DATA", "CACHE"):
-        os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
-    os.environ["HOME"] = str(root / "home")
-    os.environ["PATH"] = "/usr/bin:/bin"
-    os.environ["ORVO_TOOL_FOLDERS"] = ""
     prepare(root)
     shutil.rmtree(pictures, ignore_errors=True)
 
@@ -42,6 +37,12 @@ def tell_of_faults(root):
 
 
 def make_home(root, assistant):
+    """The home that programs started from now on have; gives the project."""
+    for variable in ("CONFIG", "DATA", "CACHE"):
+        os.environ[f"XDG_{variable}_HOME"] = str(root / variable.lower())
+    os.environ["HOME"] = str(root / "home")
+    os.environ["PATH"] = "/usr/bin:/bin"
+    os.environ["ORVO_TOOL_FOLDERS"] = ""
     tools = root / "home/.local/bin"
     tools.mkdir(parents=True)
     for name in ("claude", "codex"):

@@ -8,7 +8,7 @@ import json
 import sys
 import uuid
 
-from desktop import checked, press_key, set_text, text_of, type_text, wait_for, xdotool
+from desktop import activate_window, press_key, text_of, type_text, wait_for, xdotool
 from home import on_a_project
 
 FILES = 5000
@@ -96,17 +96,10 @@ def edit_the_long_file(program, project):
 
 def review(program):
     program.press("Workspace")
-    for name in ("Claude Code", "Codex"):
-        box = program.find("check box", name)
-        wait_for(f"{name} to be ready", lambda box=box: checked(box))
-    set_text(program.find("text", "Task for selected assistants"), "Change everything")
     program.press("Separate copies", "radio button")
-    program.press("Run task")
+    program.send("Change everything")
     wait_for("both exits", lambda: len(program.all(name="Exit 0")) == 2, 60)
-    program.press("Team runs")
-    buttons = wait_for("the cards", lambda: [button for button in program.all("push button", "Review files")
-                                             if button.get_description() == "Claude Code"])
-    program.do(buttons[0])
+    program.review("Claude Code")
     program.find(name=f"{FILES} changed files")
     program.press("Select all")
     program.find("push button", f"Apply selected ({FILES})")
@@ -157,7 +150,7 @@ def walk(program, project):
     edit_the_long_file(program, project)
     review(program)
     watch_the_terminal(program)
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
     program.press("Settings")
 
 

@@ -7,10 +7,11 @@ Usage: pages_walk.py PROGRAM PICTURES TYPING_TARGET
 import functools
 import json
 import os
+import pathlib
 import subprocess
 import sys
 
-from desktop import Atspi, checked, press_key, set_text, showing, text_of, type_text, wait_for, xdotool
+from desktop import Atspi, activate_window, checked, press_key, set_text, showing, text_of, type_text, wait_for, xdotool
 from companion_road import draft, pet
 from home import on_a_project
 from walking import Control, Walk, children
@@ -42,101 +43,8 @@ PLAN = {
     ],
 }
 
-# What is there whatever the page.
-FRAME = ("Orvo AI", "Your ideas, in orbit", "Recent projects", "Made for your Mac", "macOS native", "Local workspace",
-         "4 assistants detected", "⌘O  Open project", "⌘N  New terminal", "harbor notes")
-
 # What the pages say of their own accord, before anything has been done.
-TEXTS = {
-    "Workspace": (
-        "Orvo AI · Your creative orbit", "A new orbit\nfor your ideas.",
-        "Think it. Build it. Make it real.\nYour tools and your companion, together.",
-        "Your files. Your tools. Your accounts.", "Start with an idea", "Or write your own below", "Connected tools",
-        "Z.ai, your own tools, and custom CLI connectors live in Assistants.", "Send task to", "Work together, clearly",
-        "Each assistant gets its own project copy. Compare results in Team runs and apply the files you choose. "
-        "Dependencies, secrets in .env files and symbolic links are skipped.",
-        "Each selected assistant starts its own session. CLI installed means the program was found; login and model "
-        "access are managed by that provider.", "Orvo history stays on this Mac", "Working mode", "2 selected",
-        "Claude Code", "Codex", "Kimi Code", "Antigravity", "Z.ai", "Terminal",
-        "Your projects will appear here."),
-    "Team runs": (
-        "Build. Compare. Choose.", "Your team’s work, in one place.",
-        "Each assistant works in its own copy. Review the output and files, then choose what goes into your project.",
-        "Start your first team run",
-        "In Workspace, choose Separate copies, select your assistants and send a task. The results will appear here."),
-    "Assistants": (
-        "Connected intelligence", "Your best minds, together.",
-        "Run the original tools in Orvo. Each provider keeps its own login, model settings, and approvals.",
-        "Checks sign-in status without sending AI requests.", "A place for your tools",
-        "Add any installed command-line assistant as a connector. Configure MCP servers, skills, and plugins through "
-        "the provider’s original terminal commands. Orvo keeps each provider’s configuration in its own hands."),
-    "Files & runner": (
-        "Edit a file, run it locally, and inspect the output in a terminal.", "Make something here.",
-        "Choose a text file from your project, or create a new one.", "Run a command in this project",
-        "Supports installed runtimes. Python, Swift, shell, JavaScript, Ruby, and AppleScript files can run directly."),
-    "History": (
-        "Session memory", "Pick up the thread.",
-        "Orvo saves the latest 50 completed terminal snapshots on this Mac. Original provider sessions stay in their "
-        "own tools.", "Your next session starts the story.", "Completed sessions will appear here."),
-    "Mac actions": (
-        "Mac assistant", "Say what you want to do.",
-        "Codex drafts a short plan. Review it, then run each step when you’re ready. Orvo can open apps and links, "
-        "type text, and use supported keyboard shortcuts.", "You stay in control",
-        "This assistant does not see your screen or check whether a step succeeded. Review each target, text and "
-        "shortcut. Replan if the screen differs from the plan. Typing needs macOS Accessibility permission."),
-    "Companion": (
-        "Your pixel companion", "A familiar face, always close.",
-        "Your reference, reimagined in pixels. Built into Orvo and ready on your desktop, even when the workspace is "
-        "minimized.", "Lives on your desktop, even when Orvo is minimized.",
-        "Your pixel character is the permanent default. Choose a custom image whenever you like, or restore the "
-        "default below.", "Your pet image",
-        "PNG, JPEG, HEIC or TIFF · up to 10 MB. Transparent PNGs look best. Custom images use a gentle floating "
-        "animation.", "Pet size", "100%", "Your voice, on your terms",
-        "Start the microphone to turn speech into an editable draft. It stops when you close the quick draft or after "
-        "one minute. macOS asks for microphone and speech recognition permission on first use. Recognition uses "
-        "Apple’s service when on-device recognition is unavailable. Nothing is sent to an AI assistant until you run "
-        "the task.", "Read it. Hear it. Stop it.",
-        "The speaker menu reads your draft or the latest terminal output using a Mac voice. Stop Orvo audio ends "
-        "Orvo’s speech. This is dictation and read-aloud; a live AI voice conversation is a later step."),
-    "Appearance": (
-        "Make it yours", "A workspace in your colors.",
-        "Start with a palette, then tune the background, accent, and terminal text size. Changes apply immediately.",
-        "Orvo charcoal", "Mirel charcoal", "Deep ocean", "Midnight", "Personal palette", "A little more you.",
-        "Terminal text", "12", "Live preview", "Hello, Orvo.", "$ ready to build\n  Your ideas start here.",
-        "Your palette is saved"),
-    "Settings": (
-        "Workspace preferences", "Simple on the surface.",
-        "Native on the inside. Orvo coordinates the tools you already trust.", "Provider accounts",
-        "Open a provider’s terminal and use its login command: codex login, claude auth login, or kimi login. Orvo "
-        "does not store API keys or replace those subscriptions. Kimi’s model selection comes from its own settings.",
-        "Local session storage",
-        "Your theme, connector commands, recent folders, and the latest 50 terminal snapshots are saved in Orvo’s "
-        "macOS preferences. Prompts and project data sent to an assistant follow that provider’s policies. Use History "
-        "to export or clear Orvo snapshots.", "Execution & approvals",
-        "Orvo runs under your Mac account. Terminals and scripts execute real commands. Provider approval prompts "
-        "remain enabled; Orvo’s folder selection is a working directory, not a security sandbox. Codex starts with "
-        "its workspace-write setting.", "Team runs",
-        "Separate copies keep assistant edits apart. Review changed files and apply selected results with backups and "
-        "conflict checks. Use Compare with AI for a Codex summary. Copies and backups stay in Application Support / "
-        "Orvo AI / Runs until you remove them.", "Next stages",
-        "Mac actions now supports reviewed AI plans. Continuous screen-aware control, unattended task scheduling and "
-        "recovery, Windows, the website, automatic updates and public release signing still need further work.",
-        "Off by default. Prevents idle sleep only while a terminal session is running; your display can still sleep. "
-        "Closing the lid, manual sleep, shutdown, loss of internet or provider limits can interrupt work. This is not "
-        "an unattended 24/7 service."),
-}
-
-MANUAL_TOOLS = (
-    "Beyond the editor", "Your Mac, within reach.",
-    "Launch apps, work with Finder, and execute AppleScript. macOS asks for permission when an action needs access.",
-    "Computer access is managed by macOS",
-    "Orvo can execute the commands and scripts you submit. App interaction may need Automation or Accessibility "
-    "permission. A continuous AI screen-control loop is not included in this first build.", "Permissions",
-    "Grant only the access your workflow needs. Providers may request their own permissions separately.",
-    "Accessibility", "AppleScript console", "Runs locally", "Review the script before running it.")
-
-CONNECTOR_HINT = ("Use {prompt} outside quotes where a task should be inserted. Orvo supplies the quotes. Keep secrets "
-                  "in your provider’s configuration, outside this command.")
+SAID = json.loads((pathlib.Path(__file__).parent.parent / "data/pages.json").read_text())
 
 
 class PagesWalk(Walk):
@@ -217,9 +125,9 @@ class PagesWalk(Walk):
 # The pages, one after the other.
 
 def look_at_all(walk):
-    for page, texts in TEXTS.items():
+    for page, texts in SAID["pages"].items():
         walk.go(page)
-        walk.show_texts(page, *FRAME, *texts)
+        walk.show_texts(page, *SAID["everywhere"], *texts)
 
 
 def assistants(walk):
@@ -228,7 +136,7 @@ def assistants(walk):
 
     walk.press("Add connector", shows="Add an assistant")
     walk.show_texts("Connect a local CLI. Sign in inside its terminal using your provider’s normal login flow.",
-                    "Display name", "Executable name or absolute path", "Launch command", CONNECTOR_HINT,
+                    "Display name", "Executable name or absolute path", "Launch command", SAID["connector"],
                     "Documentation URL (optional)")
     walk.press("Cancel", shows=lambda: not walk.overlays("dialog"))
     walk.press("Add connector", shows="Add an assistant")
@@ -284,23 +192,13 @@ def stop_and_close(walk, title):
     walk.press("Stop session", shows=lambda: not walk.program.all("page tab", title))
 
 
-IDEAS = {
-    "Build something": "Help me build a new feature in this project. Start by inspecting the folder and proposing a "
-                       "plan.",
-    "Review my code": "Review this project for bugs and opportunities to improve it. Explain your findings before "
-                      "making changes.",
-    "Explore a project": "Explore this project and explain its architecture, how to run it, and where to start. Do not "
-                         "modify files.",
-}
-
-
 def task_of(walk):
     return text_of(walk.program.find("text", "Task for selected assistants"))
 
 
 def welcome(walk):
     walk.go("Workspace")
-    for card, task in IDEAS.items():
+    for card, task in SAID["ideas"].items():
         walk.press(card, shows=lambda task=task: task_of(walk) == task)
     walk.press("View all  ↗", shows="Your best minds, together.")
     walk.go("Workspace")
@@ -320,7 +218,7 @@ def welcome(walk):
     stop_and_close(walk, "Terminal session")
     walk.toggle("Shared folder", role="radio button",
                 shows="Assistants edit this same folder. Give them different tasks to avoid overlapping edits.")
-    walk.toggle("Separate copies", role="radio button", shows=TEXTS["Workspace"][11])
+    walk.toggle("Separate copies", role="radio button", shows=SAID["pages"]["Workspace"][11])
     walk.press("Refresh installed tools and files", shows="Workspace refreshed.")
 
 
@@ -480,6 +378,7 @@ def review(walk):
     walk.press("Apply changes",
                shows="Applied 1 files. Originals are saved in the run’s backup folder.")
     assert (walk.project / "tides.txt").read_text() == "low 06:12\n"
+    assert (walk.project / "README.md").read_text() == "# Harbor notes\n", "it was not chosen"
 
 
 def history(walk):
@@ -581,7 +480,7 @@ def mac_actions(walk):
     walk.catch(stop)
     walk.shows(lambda: not showing(stop))
     assert len(walk.program.all(name="Carried out")) == 1, "stopped too late"
-    xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+    activate_window()
     walk.press("Accessibility settings")
     walk.opened("settings")
     walk.press("Planner output", shows="Live sessions")
@@ -590,9 +489,7 @@ def mac_actions(walk):
 
     walk.go("Mac actions")
     walk.press("Manual Mac tools", shows="Your Mac, within reach.")
-    walk.show_texts(*MANUAL_TOOLS)
-
-
+    walk.show_texts(*SAID["manual tools"])
     walk.press("Open an application")
     walk.answer_panel()
     walk.press("Show your project")
@@ -615,11 +512,13 @@ def companion(walk):
     walk.press("Choose your own image")
     walk.answer_panel(walk.root / "frog.png")
     walk.shows("Your custom companion")
+    assert checked(walk.program.find("radio button", "Custom"))
     walk.toggle("Default pet", role="radio button", shows="Orvo’s pixel companion")
     walk.toggle("Custom", role="radio button", shows="Your custom companion")
     walk.press("Remove custom", shows="Orvo’s pixel companion")
     walk.toggle("Custom", role="radio button")
     walk.press("Restore default pet", shows=lambda: checked(walk.program.find("radio button", "Default pet")))
+    walk.slide("Pet size", 0, shows="65%")
     walk.slide("Pet size", 30, shows="150%")
     assert pet()[2:] == (264, 279), pet()
     walk.slide("Pet size", 20, shows="100%")
@@ -701,6 +600,8 @@ def menus(walk):
         walk.choose(item, shows=shows)
 
     menu("Orvo AI", "About Orvo AI", shows="OK")
+    walk.look()
+    assert any("A native Mac workspace with a desktop companion." in text for text in walk.texts)
     walk.press("OK", shows=lambda: not walk.program.all("push button", "OK"))
     menu("Orvo AI", "Settings…", shows="Simple on the surface.")
     menu("Orvo AI", "Stop microphone & audio")

@@ -61,11 +61,7 @@ def run_task(program, project):
     wait_for("both exits", lambda: program.all(name="Exit 0") and program.all(name="Exit 1"))
     program.picture("4-both-ended")
 
-    while program.all("terminal"):
-        count = len(program.all("terminal"))
-        program.press("Session menu")
-        program.do(program.find("menu item", "Close pane"))
-        wait_for("one pane less", lambda count=count: len(program.all("terminal")) < count)
+    program.close_panes()
     program.find(name="Start with an idea")
     program.picture("5-closed")
 

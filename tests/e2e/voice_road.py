@@ -13,7 +13,7 @@ import tempfile
 import threading
 import time
 
-from desktop import press_key, text_of, wait_for, xdotool
+from desktop import activate_window, press_key, text_of, wait_for, xdotool
 from home import on_a_project
 from companion_road import click_pet, draft, pet
 
@@ -114,7 +114,7 @@ def walk_with(folder):
             ear.end()
         press_key("Escape")
         wait_for("the draft to close", lambda: not draft())
-        xdotool("search", "--onlyvisible", "--name", "^Orvo AI$", "windowactivate", "--sync")
+        activate_window()
 
     return walk
 
