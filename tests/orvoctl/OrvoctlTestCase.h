@@ -30,6 +30,8 @@ protected:
     QString path(const char* name) const { return root.filePath(QString::fromUtf8(name)); }
     void write(const char* name, const QByteArray& content) const;
     QByteArray read(const char* name) const;
+    /// The words of a command line; double quotes hold one together.
+    static QStringList words(const char* line) { return QProcess::splitCommand(QString::fromUtf8(line)); }
     Outcome orvoctl(const QStringList& arguments, const QByteArray& input = {}) const;
     /// A started program; input is closed.
     std::unique_ptr<QProcess> start(const QStringList& arguments) const;

@@ -6,8 +6,7 @@ namespace {
 class Screen : public test::OrvoctlTestCase {
 protected:
     QJsonObject screen(const QByteArray& input, const QStringList& options = {}) const {
-        const Outcome outcome =
-            orvoctl(QStringList{QStringLiteral("screen"), QStringLiteral("--json")} + options, input);
+        const Outcome outcome = orvoctl(words("screen --json") + options, input);
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.error, "");
         return outcome.json().object();
@@ -19,7 +18,7 @@ protected:
 };
 
 TEST_F(Screen, PrintsTheTextThatAPersonWouldSee) {
-    const Outcome outcome = orvoctl({QStringLiteral("screen")}, "\033[31mred\033[0m\r\nover\rOV\r\n");
+    const Outcome outcome = orvoctl(words("screen"), "\033[31mred\033[0m\r\nover\rOV\r\n");
     EXPECT_EQ(outcome.output, "red\nOVer\n");
 }
 
@@ -30,18 +29,18 @@ TEST_F(Screen, ReportsEveryPartOfTheState) {
         QStringLiteral("alternateScreen applicationCursor bracketedPaste column columns cursorVisible lines "
                        "pendingWrap plainText responses row rows scrollBottom scrollTop scrollback "
                        "scrollbackCount"));
-    EXPECT_EQ(report[QStringLiteral("rows")], 3);
-    EXPECT_EQ(report[QStringLiteral("columns")], 10);
-    EXPECT_EQ(report[QStringLiteral("column")], 2);
-    EXPECT_EQ(report[QStringLiteral("cursorVisible")], true);
-    EXPECT_EQ(report[QStringLiteral("scrollBottom")], 2);
-    EXPECT_EQ(report[QStringLiteral("responses")].toArray(), QJsonArray{QStringLiteral("\033[1;3R")});
-    EXPECT_EQ(report[QStringLiteral("plainText")], QStringLiteral("ab"));
+    EXPECT_EQ(report[u"rows"], 3);
+    EXPECT_EQ(report[u"columns"], 10);
+    EXPECT_EQ(report[u"column"], 2);
+    EXPECT_EQ(report[u"cursorVisible"], true);
+    EXPECT_EQ(report[u"scrollBottom"], 2);
+    EXPECT_EQ(report[u"responses"].toArray(), QJsonArray{QStringLiteral("\033[1;3R")});
+    EXPECT_EQ(report[u"plainText"], QStringLiteral("ab"));
 }
 
 TEST_F(Screen, CellsOfOneLookAreOneRun) {
     const QByteArray input = "a\033[1;38;2;1;2;255mb\xE6\xBC\xA2\033[0;7;48;5;196mc";
-    const QJsonArray lines = screen(input, size(3, 10))[QStringLiteral("lines")].toArray();
+    const QJsonArray lines = screen(input, size(3, 10))[u"lines"].toArray();
     ASSERT_EQ(lines.size(), 3);
     const QByteArray expected = R"([
         {"text":"a","cells":1,"fg":null,"bg":null,"bold":false,"inverse":false,"attributes":[]},
@@ -54,9 +53,8 @@ TEST_F(Screen, CellsOfOneLookAreOneRun) {
 
 TEST_F(Screen, ScrollbackHoldsTheLinesThatLeftTheTop) {
     const QJsonObject report = screen("one  \r\ntwo\r\nthree\r\nfour\r\nfive", size(3, 10));
-    EXPECT_EQ(report[QStringLiteral("scrollbackCount")], 2);
-    EXPECT_EQ(report[QStringLiteral("scrollback")].toArray(),
-              (QJsonArray{QStringLiteral("one"), QStringLiteral("two")}));
+    EXPECT_EQ(report[u"scrollbackCount"], 2);
+    EXPECT_EQ(report[u"scrollback"].toArray(), (QJsonArray{QStringLiteral("one"), QStringLiteral("two")}));
 }
 
 TEST_F(Screen, AnyChunkSizeGivesTheSameScreen) {
@@ -75,22 +73,22 @@ TEST_F(Screen, ResizesHappenAtTheirPlaceAndInTheirOrder) {
             options += {QStringLiteral("--resize"), resize};
         const QJsonObject report = screen("abcdefghijkl", options);
         return QStringLiteral("%1x%2 %3")
-            .arg(report[QStringLiteral("rows")].toInt())
-            .arg(report[QStringLiteral("columns")].toInt())
-            .arg(report[QStringLiteral("plainText")].toString().replace(u'\n', u'|'));
+            .arg(report[u"rows"].toInt())
+            .arg(report[u"columns"].toInt())
+            .arg(report[u"plainText"].toString().replace(u'\n', u'|'));
     };
     const QString wrapped = QStringLiteral("abcdefghij|kl");
     const QString whole = QStringLiteral("abcdefghijkl");
     EXPECT_EQ(text({}), QStringLiteral("5x10 ") + wrapped);
-    EXPECT_EQ(text({QStringLiteral("6x20@0")}), QStringLiteral("6x20 ") + whole);
-    EXPECT_EQ(text({QStringLiteral("6x20@5")}), QStringLiteral("6x20 ") + whole);
-    EXPECT_EQ(text({QStringLiteral("6x20@11")}), QStringLiteral("6x20 ") + wrapped);
-    EXPECT_EQ(text({QStringLiteral("6x20")}), QStringLiteral("6x20 ") + wrapped);
-    EXPECT_EQ(text({QStringLiteral("6x20@99")}), QStringLiteral("6x20 ") + wrapped);
+    EXPECT_EQ(text(words("6x20@0")), QStringLiteral("6x20 ") + whole);
+    EXPECT_EQ(text(words("6x20@5")), QStringLiteral("6x20 ") + whole);
+    EXPECT_EQ(text(words("6x20@11")), QStringLiteral("6x20 ") + wrapped);
+    EXPECT_EQ(text(words("6x20")), QStringLiteral("6x20 ") + wrapped);
+    EXPECT_EQ(text(words("6x20@99")), QStringLiteral("6x20 ") + wrapped);
     // One that stands behind another waits for it, and then happens at once.
-    EXPECT_EQ(text({QStringLiteral("6x20@11"), QStringLiteral("7x30@1")}), QStringLiteral("7x30 ") + wrapped);
-    EXPECT_EQ(text({QStringLiteral("6x20@5"), QStringLiteral("7x10@6")}), QStringLiteral("7x10 ") + wrapped);
-    EXPECT_EQ(text({QStringLiteral("2x4")}).section(u' ', 0, 0), QStringLiteral("3x10"));
+    EXPECT_EQ(text(words("6x20@11 7x30@1")), QStringLiteral("7x30 ") + wrapped);
+    EXPECT_EQ(text(words("6x20@5 7x10@6")), QStringLiteral("7x10 ") + wrapped);
+    EXPECT_EQ(text(words("2x4")).section(u' ', 0, 0), QStringLiteral("3x10"));
 }
 
 }  // namespace

@@ -11,21 +11,19 @@ TEST_F(Template, CheckNamesTheErrorAndSaysWhetherTasksAreReceived) {
         const char* error;
         bool receivesTasks;
     } cases[] = {
-        {{QStringLiteral("claude {prompt}")}, nullptr, true},
-        {{QStringLiteral("claude")}, nullptr, false},
+        {words(R"("claude {prompt}")"), nullptr, true},
+        {words("claude"), nullptr, false},
         {{QString()}, nullptr, false},
-        {{QStringLiteral("kimi")}, nullptr, false},
-        {{QStringLiteral("kimi"), QStringLiteral("--id"), QStringLiteral("kimi")}, nullptr, true},
-        {{QStringLiteral("--"), QStringLiteral("-x {prompt}")}, nullptr, true},
+        {words("kimi"), nullptr, false},
+        {words("kimi --id kimi"), nullptr, true},
+        {words(R"(-- "-x {prompt}")"), nullptr, true},
         {{QStringLiteral("claude \"{prompt}\"")},
          "Place {prompt} outside quotes and without a backslash. Orvo supplies the quotes.",
          false},
         {{QStringLiteral("claude '")}, "Close the quotation mark in this command.", false},
     };
     for (const auto& c : cases) {
-        const QStringList call =
-            QStringList{QStringLiteral("template"), QStringLiteral("check"), QStringLiteral("--json")} +
-            c.arguments;
+        const QStringList call = words("template check --json") + c.arguments;
         const Outcome outcome = orvoctl(call);
         const QJsonObject expected{{QStringLiteral("error"), c.error ? QJsonValue(QString::fromUtf8(c.error))
                                                                      : QJsonValue(QJsonValue::Null)},
@@ -41,19 +39,13 @@ TEST_F(Template, CommandQuotesThePromptOfTheFile) {
         QStringList arguments;
         const char* command;
     } cases[] = {
-        {{QStringLiteral("my {prompt}")}, "my 'it'\\''s\n$(x) \n'"},
-        {{QStringLiteral("claude {prompt}"), QStringLiteral("--id"), QStringLiteral("claude"),
-          QStringLiteral("--batch")},
-         "claude --print 'it'\\''s\n$(x) \n'"},
-        {{QStringLiteral("claude {prompt}"), QStringLiteral("--batch")}, "claude 'it'\\''s\n$(x) \n'"},
-        {{QStringLiteral("agy"), QStringLiteral("--id"), QStringLiteral("antigravity")},
-         "agy --prompt-interactive 'it'\\''s\n$(x) \n'"},
+        {words(R"("my {prompt}")"), "my 'it'\\''s\n$(x) \n'"},
+        {words(R"("claude {prompt}" --id claude --batch)"), "claude --print 'it'\\''s\n$(x) \n'"},
+        {words(R"("claude {prompt}" --batch)"), "claude 'it'\\''s\n$(x) \n'"},
+        {words("agy --id antigravity"), "agy --prompt-interactive 'it'\\''s\n$(x) \n'"},
     };
     for (const auto& c : cases) {
-        const QStringList call =
-            QStringList{QStringLiteral("template"), QStringLiteral("command"), QStringLiteral("--json"),
-                        QStringLiteral("--prompt-file"), path("prompt")} +
-            c.arguments;
+        const QStringList call = words("template command --json --prompt-file ../prompt") + c.arguments;
         EXPECT_EQ(orvoctl(call).json().object(),
                   (QJsonObject{{QStringLiteral("command"), QString::fromUtf8(c.command)}}))
             << qPrintable(call.join(u' '));
@@ -62,23 +54,17 @@ TEST_F(Template, CommandQuotesThePromptOfTheFile) {
 
 TEST_F(Template, ThePromptMayComeFromStandardInput) {
     const Outcome outcome =
-        orvoctl({QStringLiteral("template"), QStringLiteral("command"), QStringLiteral("my {prompt}"),
-                 QStringLiteral("--prompt-file"), QStringLiteral("-")},
-                "from a pipe");
+        orvoctl(words(R"(template command "my {prompt}" --prompt-file -)"), "from a pipe");
     EXPECT_EQ(outcome.output, "my 'from a pipe'\n");
     EXPECT_EQ(outcome.status, 0);
 }
 
 TEST_F(Template, AFileThatCannotBeReadAndABadTemplateAreFailures) {
-    const Outcome missing =
-        orvoctl({QStringLiteral("template"), QStringLiteral("command"), QStringLiteral("my {prompt}"),
-                 QStringLiteral("--prompt-file"), path("missing"), QStringLiteral("--json")});
+    const Outcome missing = orvoctl(words(R"(template command "my {prompt}" --prompt-file missing --json)"));
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.json().object().value(QStringLiteral("ok")), QJsonValue(false));
+    EXPECT_EQ(missing.json()[u"ok"], false);
     write("prompt", "x");
-    const Outcome bad =
-        orvoctl({QStringLiteral("template"), QStringLiteral("command"), QStringLiteral("my '{prompt}'"),
-                 QStringLiteral("--prompt-file"), path("prompt")});
+    const Outcome bad = orvoctl(words(R"(template command "my '{prompt}'" --prompt-file ../prompt)"));
     EXPECT_EQ(bad.status, 1);
     EXPECT_TRUE(bad.error.startsWith("orvoctl: Place {prompt} outside quotes")) << bad.error.constData();
 }

@@ -11,7 +11,7 @@ protected:
     /// The commands that the help names.
     QStringList commands() const {
         QStringList names;
-        const QString help = QString::fromUtf8(orvoctl({QStringLiteral("--help")}).output);
+        const QString help = QString::fromUtf8(orvoctl(words("--help")).output);
         const QString list =
             help.section(QStringLiteral("Commands:\n"), 1).section(QStringLiteral("\n\n"), 0, 0);
         for (const QString& line : list.split(u'\n'))
@@ -23,34 +23,31 @@ protected:
 TEST_F(Usage, WrongUsageIsASentenceAndStatusTwo) {
     const QStringList calls[] = {
         {},
-        {QStringLiteral("no-such-command")},
-        {QStringLiteral("--no-such-option")},
-        {QStringLiteral("template")},
-        {QStringLiteral("template"), QStringLiteral("no-such-word")},
-        {QStringLiteral("run")},
-        {QStringLiteral("run"), QStringLiteral("--shared"), QStringLiteral("a"), QStringLiteral("b")},
-        {QStringLiteral("run"), QStringLiteral("--shared"), QStringLiteral("  ")},
-        {QStringLiteral("run"), QStringLiteral("--timeout"), QStringLiteral("soon"), QStringLiteral("task")},
-        {QStringLiteral("run"), QStringLiteral("--timeout"), QStringLiteral("0"), QStringLiteral("task")},
-        {QStringLiteral("run"), QStringLiteral("--connector"), QStringLiteral("name"),
-         QStringLiteral("task")},
-        {QStringLiteral("run"), QStringLiteral("--shared"), QStringLiteral("--assistant"),
-         QStringLiteral("nobody"), QStringLiteral("task")},
-        {QStringLiteral("run"), QStringLiteral("--no-such-option"), QStringLiteral("task")},
-        {QStringLiteral("run"), QStringLiteral("--project")},
-        {QStringLiteral("providers"), QStringLiteral("x")},
-        {QStringLiteral("history"), QStringLiteral("a"), QStringLiteral("b")},
-        {QStringLiteral("screen"), QStringLiteral("--rows"), QStringLiteral("0")},
-        {QStringLiteral("screen"), QStringLiteral("--columns"), QStringLiteral("x")},
-        {QStringLiteral("screen"), QStringLiteral("--chunk"), QStringLiteral("0")},
-        {QStringLiteral("screen"), QStringLiteral("--resize"), QStringLiteral("24")},
-        {QStringLiteral("template"), QStringLiteral("check")},
-        {QStringLiteral("template"), QStringLiteral("command"), QStringLiteral("x")},
+        words("no-such-command"),
+        words("--no-such-option"),
+        words("template"),
+        words("template no-such-word"),
+        words("run"),
+        words("run --shared a b"),
+        words(R"(run --shared "  ")"),
+        words("run --timeout soon task"),
+        words("run --timeout 0 task"),
+        words("run --connector name task"),
+        words("run --shared --assistant nobody task"),
+        words("run --no-such-option task"),
+        words("run --project"),
+        words("providers x"),
+        words("history a b"),
+        words("screen --rows 0"),
+        words("screen --columns x"),
+        words("screen --chunk 0"),
+        words("screen --resize 24"),
+        words("template check"),
+        words("template command x"),
     };
     for (const QStringList& call : calls) {
         for (const bool json : {false, true}) {
-            const Outcome outcome =
-                orvoctl(json && !call.isEmpty() ? call + QStringList(QStringLiteral("--json")) : call);
+            const Outcome outcome = orvoctl(json && !call.isEmpty() ? call + words("--json") : call);
             const QByteArray what = call.join(u' ').toUtf8();
             EXPECT_EQ(outcome.status, 2) << what.constData();
             EXPECT_EQ(outcome.output, "") << what.constData();
@@ -61,12 +58,12 @@ TEST_F(Usage, WrongUsageIsASentenceAndStatusTwo) {
 }
 
 TEST_F(Usage, HelpAndVersionAreOnStandardOutput) {
-    const Outcome version = orvoctl({QStringLiteral("--version")});
+    const Outcome version = orvoctl(words("--version"));
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.output, "orvoctl " ORVO_VERSION "\n");
     ASSERT_GE(commands().size(), 6);
     for (const QString& command : commands()) {
-        const Outcome help = orvoctl(command.split(u' ') + QStringList(QStringLiteral("--help")));
+        const Outcome help = orvoctl(command.split(u' ') + words("--help"));
         EXPECT_EQ(help.status, 0) << qPrintable(command);
         EXPECT_TRUE(help.output.startsWith("Usage: orvoctl " + command.toUtf8())) << help.output.constData();
         EXPECT_EQ(help.error, "") << qPrintable(command);
@@ -75,7 +72,7 @@ TEST_F(Usage, HelpAndVersionAreOnStandardOutput) {
 
 TEST_F(Usage, AForeignLocaleAddsNothingToTheOutput) {
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
-    const Outcome outcome = orvoctl({QStringLiteral("--version")});
+    const Outcome outcome = orvoctl(words("--version"));
     EXPECT_EQ(outcome.error, "");
 }
 
@@ -90,17 +87,15 @@ TEST_F(Usage, ManPageAndCompletionsKnowEveryCommandAndOption) {
     static const QRegularExpression option(QStringLiteral("^  (--[a-z-]+)"),
                                            QRegularExpression::MultilineOption);
     for (const QString& command : commands()) {
-        QSet<QString> words;
-        for (const QString& word : command.split(u' '))
-            words.insert(word);
-        const QString help =
-            QString::fromUtf8(orvoctl(command.split(u' ') + QStringList(QStringLiteral("--help"))).output);
+        const QStringList names = command.split(u' ');
+        QSet<QString> expected(names.begin(), names.end());
+        const QString help = QString::fromUtf8(orvoctl(names + words("--help")).output);
         auto match = option.globalMatch(help);
         ASSERT_TRUE(match.hasNext());
         while (match.hasNext())
-            words.insert(match.next().captured(1));
+            expected.insert(match.next().captured(1));
         for (auto text = texts.cbegin(); text != texts.cend(); ++text) {
-            for (const QString& word : words) {
+            for (const QString& word : expected) {
                 EXPECT_TRUE(text->contains(word)) << qPrintable(text.key()) << " lacks " << qPrintable(word);
             }
         }
