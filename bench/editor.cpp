@@ -8,12 +8,12 @@
 #include "files/listEntries.h"
 #include "files/ui/CodeEditor.h"
 #include "platform/fake/FakeDialogs.h"
+#include "tests/files/codePatterns.h"
 
 #include <QApplication>
 #include <QCollator>
 #include <QFile>
 #include <QKeyEvent>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTextBlock>
 
@@ -111,24 +111,12 @@ private:
 };
 
 Times matchEverything() {
-    const QRegularExpression rules[] = {
-        QRegularExpression(
-            QStringLiteral(
-                "\\b(?:func|let|var|class|struct|import|return|if|else|for|while|def|from|as|async|"
-                "await|const|function|try|catch|throw|public|private|guard|in|true|false|nil|None|"
-                "True|False)\\b"),
-            QRegularExpression::UseUnicodePropertiesOption),
-        QRegularExpression(QStringLiteral("\\b[0-9]+(?:\\.[0-9]+)?\\b"),
-                           QRegularExpression::UseUnicodePropertiesOption),
-        QRegularExpression(QStringLiteral("\"(?:[^\"\\\\]++|\\\\.)*+\"|'(?:[^'\\\\]++|\\\\.)*+'")),
-        QRegularExpression(QStringLiteral("(?m)(?://|#).*?$")),
-    };
     const QString text = largestColoredText();
     Times times;
     qsizetype units = 0;
     for (int round = 0; round < rounds; ++round) {
         const double start = processorMilliseconds();
-        for (const QRegularExpression& rule : rules) {
+        for (const QRegularExpression& rule : test::codePatterns()) {
             for (auto matches = rule.globalMatch(text); matches.hasNext();)
                 units += matches.next().capturedLength();
         }

@@ -3,6 +3,9 @@
 #include "files/CodeColoring.h"
 
 #include <QRegularExpression>
+#include <QStringList>
+
+#include <span>
 
 namespace orvo::test {
 
@@ -28,8 +31,16 @@ inline Picture plain(const QString& text) {
     return picture;
 }
 
-/// The four rules as patterns over the whole text, one after the other.
-inline Picture byPatterns(const QString& text) {
+/// What random edits put in, so that strings, comments and words begin and end everywhere.
+inline QStringList codePieces() {
+    return QStringLiteral(
+               "\"|'|\\|\n|#|//|for|12|.| |x_|\\\"|\\\n|None|\n\n|\u00e9|return 3.14\n|'#' // 1\n|"
+               "say('it\\'s', \"#\") // 1\n")
+        .split(u'|');
+}
+
+/// The four rules as patterns, in their order.
+inline std::span<const QRegularExpression> codePatterns() {
     // Possessive, because the engine gives up on long runs otherwise; what matches is the same.
     static const QRegularExpression rules[] = {
         QRegularExpression(
@@ -43,8 +54,14 @@ inline Picture byPatterns(const QString& text) {
         QRegularExpression(QStringLiteral("\"(?:[^\"\\\\]++|\\\\.)*+\"|'(?:[^'\\\\]++|\\\\.)*+'")),
         QRegularExpression(QStringLiteral("(?m)(?://|#).*?$")),
     };
+    return rules;
+}
+
+/// The colours by the patterns over the whole text, one after the other.
+inline Picture byPatterns(const QString& text) {
+    const auto rules = codePatterns();
     Picture picture = plain(text);
-    for (std::size_t rule = 0; rule < std::size(rules); ++rule) {
+    for (std::size_t rule = 0; rule < rules.size(); ++rule) {
         for (auto matches = rules[rule].globalMatch(text); matches.hasNext();) {
             const QRegularExpressionMatch match = matches.next();
             paint(picture, match.capturedStart(), match.capturedLength(),

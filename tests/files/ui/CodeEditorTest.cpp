@@ -104,14 +104,7 @@ TEST_F(CodeEditorTest, everyTextIsKeptUnitForUnit) {
 }
 
 TEST_F(CodeEditorTest, afterThousandsOfEditsEveryLineHasItsColours) {
-    const QStringList pieces = {text("\""),        text("'"),
-                                text("\\"),        text("\n"),
-                                text("#"),         text("//"),
-                                text("for"),       text("12"),
-                                text(" "),         text("\\\n"),
-                                text("x_"),        text("None"),
-                                text("\n\n"),      text("return 3.14\n"),
-                                text("'#' // 1\n")};
+    const QStringList pieces = codePieces();
     std::mt19937 random(20261123);
     const auto below = [&](int limit) {
         return std::uniform_int_distribution(0, limit - 1)(random);
