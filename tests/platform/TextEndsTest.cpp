@@ -24,5 +24,12 @@ TEST(FirstCharacters, CountsWhatAPersonCounts) {
     }
 }
 
+TEST(TextEnds, AreCutBetweenCharacters) {
+    const QString family = QStringLiteral("\U0001F469\u200D\U0001F467");
+    EXPECT_EQ(lastCharacters(u'a' + family.repeated(3), 2), family.repeated(2));
+    EXPECT_EQ(lastCharacters(family, 5), family);
+    EXPECT_EQ(lastBytes(QStringLiteral("x\u20ac\u20ac"), 5), QStringLiteral("\u20ac"));
+}
+
 }  // namespace
 }  // namespace orvo

@@ -12,15 +12,14 @@
 namespace orvo::test {
 
 /// A connector whose command is a shell line; the task is its first argument.
-inline Provider connector(const QString& id, const QString& line) {
-    return {.id = id,
-            .name = id.toUpper(),
-            .subtitle = {},
-            .icon = {},
-            .colorHex = {},
-            .executable = QStringLiteral("/bin/sh"),
-            .template_ = QStringLiteral("/bin/sh -c ") + shellQuote(line) + QStringLiteral(" sh {prompt}"),
-            .documentation = {}};
+inline Provider connector(const char* id, const char* line) {
+    Provider provider;
+    provider.id = QString::fromUtf8(id);
+    provider.name = provider.id.toUpper();
+    provider.executable = QStringLiteral("/bin/sh");
+    provider.template_ =
+        QStringLiteral("/bin/sh -c ") + shellQuote(QString::fromUtf8(line)) + QStringLiteral(" sh {prompt}");
+    return provider;
 }
 
 /// The program around the engine: real sessions, everything else recorded. As a program does, it tells the

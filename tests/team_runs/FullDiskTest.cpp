@@ -105,8 +105,8 @@ protected:
 };
 
 TEST_F(FullDiskRuns, APreparationSaysSoLeavesNothingAndASmallerOneSucceeds) {
-    const Provider first = connector(QStringLiteral("a"), QStringLiteral("exit 0"));
-    const Provider second = connector(QStringLiteral("b"), QStringLiteral("exit 0"));
+    const Provider first = connector("a", "exit 0");
+    const Provider second = connector("b", "exit 0");
     // A baseline and two copies of 400 KB, where a baseline and one copy have room.
     ASSERT_TRUE(prepare({first, second}));
     expectRefusedWithoutTrace();
@@ -118,7 +118,7 @@ TEST_F(FullDiskRuns, APreparationSaysSoLeavesNothingAndASmallerOneSucceeds) {
 }
 
 TEST_F(FullDiskRuns, WithoutRoomForAFileOrFolderAPreparationSaysWhich) {
-    const Provider provider = connector(QStringLiteral("a"), QStringLiteral("exit 0"));
+    const Provider provider = connector("a", "exit 0");
     int refusals = 0;
     for (int inodes = 1; m_engine.teamRuns().isEmpty(); ++inodes) {
         SCOPED_TRACE(inodes);
@@ -136,8 +136,7 @@ TEST_F(FullDiskRuns, WithoutRoomForAFileOrFolderAPreparationSaysWhich) {
 }
 
 TEST_F(FullDiskRuns, ARunGoesOnWhenNothingOfItsEndCanBeWritten) {
-    ASSERT_TRUE(
-        prepare({connector(QStringLiteral("a"), QStringLiteral("read -r l; echo answered; exit 5"))}));
+    ASSERT_TRUE(prepare({connector("a", "read -r l; echo answered; exit 5")}));
     ASSERT_EQ(m_engine.teamRuns().size(), 1);
     const TeamRun recorded = m_engine.teamRuns()[0];
     m_host.notices.clear();
@@ -156,7 +155,7 @@ TEST_F(FullDiskRuns, ARunGoesOnWhenNothingOfItsEndCanBeWritten) {
     // The next record that has room brings it up to date.
     m_disk->clear();
     m_tree.remove("project/big");
-    ASSERT_TRUE(prepare({connector(QStringLiteral("a"), QStringLiteral("exit 0"))}));
+    ASSERT_TRUE(prepare({connector("a", "exit 0")}));
     ASSERT_EQ(m_engine.teamRuns().size(), 2);
     EXPECT_EQ(RunStore::loadRun(run.root), run);
     ASSERT_TRUE(sessionsEnd());

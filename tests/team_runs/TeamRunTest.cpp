@@ -1,4 +1,3 @@
-#include "platform/textEnds.h"
 #include "team_runs/RunStore.h"
 #include "team_runs/Tree.h"
 
@@ -135,15 +134,6 @@ TEST(RunStore, KeepsTheEndOfAnOutputWithinItsBounds) {
     EXPECT_GT(kept->toUtf8().size(), 1024 * 1024 - 4);
     EXPECT_TRUE(kept->endsWith(u"\u0301end"));
     EXPECT_FALSE(kept->contains(QChar::ReplacementCharacter));
-}
-
-TEST(TextEnds, CountCharactersAsPeopleDo) {
-    const QString family = QStringLiteral("\U0001F469\u200D\U0001F467");
-    EXPECT_EQ(firstCharacters(family.repeated(3), 2), family.repeated(2));
-    EXPECT_EQ(lastCharacters(u'a' + family.repeated(3), 2), family.repeated(2));
-    EXPECT_EQ(firstCharacters(QStringLiteral("ab"), 52), QStringLiteral("ab"));
-    EXPECT_EQ(lastCharacters(family, 5), family);
-    EXPECT_EQ(lastBytes(QStringLiteral("x\u20ac\u20ac"), 5), QStringLiteral("\u20ac"));
 }
 
 }  // namespace

@@ -46,6 +46,8 @@ struct Workbench {
     void start(const QString& task, const QList<Provider>& providers) {
         engine.startTeamRun(task, providers, tree.path("project"));
     }
+    /// One assistant, which runs this line of shell.
+    void startOne(const char* line = "true") { start(QStringLiteral("task"), {connector("a", line)}); }
     bool settled() {
         return waitFor([this] { return !engine.preparingRun(); });
     }
@@ -69,10 +71,8 @@ TEST(TeamRuns, EachAssistantWorksInACopyAndTheProjectStaysAsItWas) {
     const QString task =
         QStringLiteral("It's a task of some length, longer than fifty-two characters in any case");
     bench.host.prompt = QStringLiteral("  ") + task + u'\n';
-    bench.start(
-        task,
-        {connector(QStringLiteral("one"), QStringLiteral("echo two > main.txt; rm sub/run.sh; echo \"$1\"")),
-         connector(QStringLiteral("two"), QStringLiteral("chmod 600 main.txt; echo new > new; exit 3"))});
+    bench.start(task, {connector("one", "echo two > main.txt; rm sub/run.sh; echo \"$1\""),
+                       connector("two", "chmod 600 main.txt; echo new > new; exit 3")});
     EXPECT_TRUE(bench.engine.preparingRun());
     ASSERT_TRUE(bench.settled());
     ASSERT_EQ(bench.engine.teamRuns().size(), 1);
@@ -124,7 +124,7 @@ TEST(TeamRuns, TheirOrderStaysWhenTheClockIsSet) {
     const QDateTime begin = bench.clock.now();
     const auto runAt = [&bench](const QDateTime& now) {
         bench.clock.set(now);
-        bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+        bench.startOne();
         EXPECT_TRUE(bench.settled());
         return *bench.engine.selectedRunID();
     };
@@ -149,7 +149,7 @@ TEST(TeamRuns, TheirOrderStaysWhenTheClockIsSet) {
 
 TEST(TeamRuns, ADraftTypedMeanwhileStays) {
     Workbench bench(FakeTeamRunHost::Launch::Never);
-    bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+    bench.startOne();
     bench.host.prompt = QStringLiteral("another thought");
     ASSERT_TRUE(bench.settled());
     EXPECT_EQ(bench.host.prompt, QStringLiteral("another thought"));
@@ -157,7 +157,7 @@ TEST(TeamRuns, ADraftTypedMeanwhileStays) {
 
 TEST(TeamRuns, ACancelledPreparationLeavesNothing) {
     Workbench bench;
-    bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+    bench.startOne();
     bench.engine.cancelPreparation();
     EXPECT_FALSE(bench.engine.preparingRun());
     EXPECT_EQ(bench.host.notices, QStringList{cancelled});
@@ -173,7 +173,7 @@ TEST(TeamRuns, ACancelledPreparationLeavesNothing) {
 
 TEST(TeamRuns, APreparationThatTakesAMinuteIsGivenUp) {
     Workbench bench;
-    bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+    bench.startOne();
     bench.clock.advance(59'999ms);
     EXPECT_TRUE(bench.engine.preparingRun());
     bench.clock.advance(1ms);
@@ -191,7 +191,7 @@ TEST(TeamRuns, APreparationThatTakesAMinuteIsGivenUp) {
 TEST(TeamRuns, APreparationThatFailsSaysWhyAndLeavesNothing) {
     Workbench bench;
     bench.tree.remove("project");
-    bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+    bench.startOne();
     ASSERT_TRUE(bench.settled());
     EXPECT_EQ(bench.host.notices, QStringList{QStringLiteral("This project folder no longer exists.")});
     EXPECT_TRUE(waitFor([&bench] { return bench.runFolders().isEmpty(); }));
@@ -199,7 +199,7 @@ TEST(TeamRuns, APreparationThatFailsSaysWhyAndLeavesNothing) {
     bench.tree.remove("Runs");
     bench.tree.write("Runs", "a file where the folder should be");
     bench.host.notices.clear();
-    bench.start(QStringLiteral("task"), {connector(QStringLiteral("a"), QStringLiteral("true"))});
+    bench.startOne();
     ASSERT_TRUE(bench.settled());
     EXPECT_EQ(bench.host.notices.size(), 1);
     EXPECT_TRUE(bench.engine.teamRuns().isEmpty());
@@ -207,7 +207,7 @@ TEST(TeamRuns, APreparationThatFailsSaysWhyAndLeavesNothing) {
 
 TEST(TeamRuns, StartIsRefusedInWords) {
     Workbench bench(FakeTeamRunHost::Launch::Never);
-    const Provider a = connector(QStringLiteral("a"), QStringLiteral("true"));
+    const Provider a = connector("a", "true");
     bench.start(QStringLiteral("task"), {});
     bench.start(QStringLiteral("task"), QList<Provider>(9, a));
     const QString count = QStringLiteral("Choose 1 to 8 assistants per run.");
@@ -235,8 +235,7 @@ TEST(TeamRuns, StartIsRefusedInWords) {
 TEST(TeamRuns, RandomSequencesOfStartCancelAndTimeOutLeaveNothingOver) {
     Workbench bench(FakeTeamRunHost::Launch::Never);
     QRandomGenerator random(4'11);
-    const QList<Provider> two = {connector(QStringLiteral("a"), QStringLiteral("true")),
-                                 connector(QStringLiteral("b"), QStringLiteral("true"))};
+    const QList<Provider> two = {connector("a", "true"), connector("b", "true")};
     const int starts = lengthOf(500, 5'000);
     for (int i = 0; i < starts; ++i) {
         bench.start(QStringLiteral("task"), two);
@@ -268,8 +267,7 @@ TEST(TeamRuns, RandomSequencesOfStartCancelAndTimeOutLeaveNothingOver) {
 
 TEST(TeamRuns, OutputComesFromTheScreenThenTheFileThenTheHistory) {
     Workbench bench;
-    bench.start(QStringLiteral("task"),
-                {connector(QStringLiteral("a"), QStringLiteral("echo printed; read -r line"))});
+    bench.startOne("echo printed; read -r line");
     ASSERT_TRUE(bench.settled());
     const TeamRun run = bench.engine.teamRuns()[0];
     const RunCopy copy = run.copies[0];
@@ -289,8 +287,7 @@ TEST(TeamRuns, OutputComesFromTheScreenThenTheFileThenTheHistory) {
 
 TEST(TeamRuns, ARecordThatCannotBeSavedIsNamedAndTheRunGoesOn) {
     Workbench bench;
-    bench.start(QStringLiteral("task"),
-                {connector(QStringLiteral("a"), QStringLiteral("echo ready; read -r line; exit 5"))});
+    bench.startOne("echo ready; read -r line; exit 5");
     ASSERT_TRUE(bench.settled());
     // It stands in its folder before that goes.
     ASSERT_TRUE(waitFor([&bench] {
@@ -307,15 +304,14 @@ TEST(TeamRuns, ARecordThatCannotBeSavedIsNamedAndTheRunGoesOn) {
 
 TEST(TeamRuns, TheComparisonWaitsForCodexAndForTheAssistants) {
     Workbench bench;
-    bench.start(QStringLiteral("task"),
-                {connector(QStringLiteral("a"), QStringLiteral("read -r line; exit 2"))});
+    bench.startOne("read -r line; exit 2");
     ASSERT_TRUE(bench.settled());
     const QString connect = QStringLiteral("Connect Codex to compare the results with AI.");
     EXPECT_EQ(bench.engine.summarizeRun(bench.engine.teamRuns()[0]), nullptr);
     EXPECT_EQ(bench.host.notices.back(), connect);
     Provider codex = Provider::defaults()[1];
     ASSERT_EQ(codex.id, QStringLiteral("codex"));
-    bench.host.providers = {codex, connector(QStringLiteral("a"), QStringLiteral("x"))};
+    bench.host.providers = {codex, connector("a", "x")};
     EXPECT_EQ(bench.engine.summarizeRun(bench.engine.teamRuns()[0]), nullptr);
     EXPECT_EQ(bench.host.notices.back(), connect);
     bench.host.ready = {codex.id};
