@@ -37,9 +37,4 @@ QString symbolOf(Destination destination) {
     return pageOf(destination).symbol;
 }
 
-std::optional<Destination> destinationNamed(const QString& text) {
-    const auto* const page = std::ranges::find_if(pages, [&](const Page& p) { return text == p.text; });
-    return page == pages.end() ? std::nullopt : std::optional(page->destination);
-}
-
 }  // namespace orvo

@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <array>
-#include <optional>
 
 namespace orvo {
 
@@ -19,7 +18,5 @@ inline constexpr std::array allDestinations = {
 QString textOf(Destination destination);
 /// Symbol name of its sidebar icon.
 QString symbolOf(Destination destination);
-/// Nothing for a text that names no page.
-std::optional<Destination> destinationNamed(const QString& text);
 
 }  // namespace orvo

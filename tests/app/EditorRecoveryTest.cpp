@@ -1,6 +1,7 @@
 #include "app/EditorRecovery.h"
 
 #include "files/ProjectFiles.h"
+#include "platform/TemporaryFolder.h"
 #include "platform/fake/FakeDialogs.h"
 
 #include <gtest/gtest.h>
@@ -21,15 +22,6 @@ protected:
         EditorRecovery recovery;
     };
 
-    void write(const QByteArray& content) {
-        QFile file(m_file.display());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-    QByteArray content() {
-        QFile file(m_file.display());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-    }
     /// A run that the system ended while the file was being edited.
     void endWith(const QString& text) {
         Run run(*this);
@@ -46,9 +38,9 @@ protected:
 };
 
 TEST_F(EditorRecoveryTest, restoresTheTextAndGuardsWhatTheFileHasBecome) {
-    write("low");
+    test::writeFile(m_file, "low");
     endWith(QStringLiteral("low \u6f6e"));
-    write("high");
+    test::writeFile(m_file, "high");
 
     Run next(*this);
     m_dialogs.answer(QStringLiteral("Restore"));
@@ -63,13 +55,13 @@ TEST_F(EditorRecoveryTest, restoresTheTextAndGuardsWhatTheFileHasBecome) {
     m_dialogs.answer(QStringLiteral("Replace"));
     EXPECT_TRUE(next.files.saveFile());
     EXPECT_EQ(m_dialogs.alerts().last().message, QStringLiteral("This file changed on disk"));
-    EXPECT_EQ(content(), QByteArray("low \xe6\xbd\xae"));
+    EXPECT_EQ(test::readFile(m_file), QByteArray("low \xe6\xbd\xae"));
     ASSERT_TRUE(next.recovery.keep());
     EXPECT_EQ(keptTexts(), 0);
 }
 
 TEST_F(EditorRecoveryTest, asksAgainNextTimeWhenThePersonWantsToDecideLater) {
-    write("low");
+    test::writeFile(m_file, "low");
     endWith(QStringLiteral("first"));
     endWith(QStringLiteral("second"));
     Run next(*this);
@@ -88,7 +80,7 @@ TEST_F(EditorRecoveryTest, asksAgainNextTimeWhenThePersonWantsToDecideLater) {
 }
 
 TEST_F(EditorRecoveryTest, aClockThatWasSetBackChangesNeitherOrderNorOlderTexts) {
-    write("low");
+    test::writeFile(m_file, "low");
     endWith(QStringLiteral("first"));
     const QDir kept(m_kept.display());
     // Ten years ahead of the second.
@@ -103,7 +95,7 @@ TEST_F(EditorRecoveryTest, aClockThatWasSetBackChangesNeitherOrderNorOlderTexts)
 }
 
 TEST_F(EditorRecoveryTest, keepsOneTextARunAndNoneWithoutUnsavedChanges) {
-    write("low");
+    test::writeFile(m_file, "low");
     Run run(*this);
     ASSERT_TRUE(run.recovery.keep());
     EXPECT_EQ(keptTexts(), 0);
@@ -119,7 +111,7 @@ TEST_F(EditorRecoveryTest, keepsOneTextARunAndNoneWithoutUnsavedChanges) {
 }
 
 TEST_F(EditorRecoveryTest, whatIsKeptInTheBackgroundNeverReplacesWhatCameLater) {
-    write("low");
+    test::writeFile(m_file, "low");
     Run run(*this);
     run.files.openFile({.url = m_file});
     for (int typed = 0; typed < 20; ++typed) {
@@ -142,10 +134,7 @@ TEST_F(EditorRecoveryTest, whatIsKeptInTheBackgroundNeverReplacesWhatCameLater) 
 
 TEST_F(EditorRecoveryTest, leavesDamagedFilesAlone) {
     ASSERT_TRUE(QDir().mkpath(m_kept.display()));
-    QFile damaged(m_kept.child("1700000000000000.unsaved.json").display());
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write("{\"text\": 7}");
-    damaged.close();
+    test::writeFile(m_kept.child("1700000000000000.unsaved.json"), "{\"text\": 7}");
     Run run(*this);
     EXPECT_FALSE(run.recovery.offer(m_dialogs));
     EXPECT_EQ(keptTexts(), 1);

@@ -2,6 +2,7 @@
 
 #include "app/exampleProject.h"
 #include "app/preferenceMigration.h"
+#include "platform/TemporaryFolder.h"
 #include "platform/fake/FakePreferences.h"
 #include "platform/linux/FilePreferences.h"
 
@@ -21,13 +22,7 @@ protected:
     }
     void write(const FilePath& file, const QByteArray& content) {
         ASSERT_TRUE(QDir().mkpath(file.parent().display()));
-        QFile out(file.display());
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(content);
-    }
-    QByteArray content(const FilePath& file) {
-        QFile in(file.display());
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray("unreadable");
+        test::writeFile(file, content);
     }
 
     QTemporaryDir m_temporary;
@@ -69,15 +64,15 @@ TEST_F(FirstStartTest, updatesOfTheSamplesKeepWhatThePersonChanged) {
     write(path("samples/.hidden"), "seen");
     const FilePath project = path("data/Example Project");
     ASSERT_TRUE(ExampleProject::prepare(path("samples"), project));
-    EXPECT_EQ(content(project.child(".hidden")), "seen");
+    EXPECT_EQ(test::readFile(project.child(".hidden")), "seen");
 
     write(project.child("README.md"), "mine");
     QFile::remove(project.child("practice").child("planner.sh").display());
     write(path("samples/README.md"), "read me anew");
     write(path("samples/tides.py"), "new");
     ASSERT_EQ(ExampleProject::prepare(path("samples"), project), project);
-    EXPECT_EQ(content(project.child("README.md")), "mine");
-    EXPECT_EQ(content(project.child("tides.py")), "new");
+    EXPECT_EQ(test::readFile(project.child("README.md")), "mine");
+    EXPECT_EQ(test::readFile(project.child("tides.py")), "new");
     EXPECT_FALSE(QFile::exists(project.child("practice").child("planner.sh").display()))
         << "a folder of the person's is left as it is";
 }

@@ -106,27 +106,6 @@ TEST_F(OrvoApplicationTest, menusHaveTheirItemsAndKeysInOrder) {
               "  Zoom");
 }
 
-TEST_F(OrvoApplicationTest, editItemsActOnTheFocusedControl) {
-    launched();
-    QWidget* const task =
-        test::findNamed(*m_application->window(), QStringLiteral("Task for selected assistants"));
-    ASSERT_TRUE(task);
-    m_application->workspace().setPrompt(QStringLiteral("one two"));
-    task->setFocus();
-    ASSERT_TRUE(test::waitFor([&] { return QApplication::focusWidget() == task; }));
-    menuItem(QStringLiteral("Edit"), QStringLiteral("Select All"))->trigger();
-    menuItem(QStringLiteral("Edit"), QStringLiteral("Cut"))->trigger();
-    EXPECT_EQ(m_application->workspace().prompt(), QString());
-    menuItem(QStringLiteral("Edit"), QStringLiteral("Undo"))->trigger();
-    EXPECT_EQ(m_application->workspace().prompt(), QStringLiteral("one two"));
-}
-
-TEST_F(OrvoApplicationTest, settingsItemShowsThePage) {
-    launched();
-    menuItem(QStringLiteral("Orvo AI"), QStringLiteral("Settings…"))->trigger();
-    EXPECT_EQ(m_application->workspace().destination(), Destination::Settings);
-}
-
 TEST_F(OrvoApplicationTest, aFolderOnTheCommandLineIsForThisRunOnly) {
     const FilePath saved = makeProject(QStringLiteral("saved"));
     const FilePath given = makeProject(QStringLiteral("given"));
@@ -305,30 +284,6 @@ TEST_F(OrvoApplicationTest, aFaultCostsNoMoreThanTheLastSecondsOfTyping) {
     EXPECT_EQ(kept(), 0);
 }
 
-TEST_F(OrvoApplicationTest, closingTheWindowEndsTheRunWithoutAQuestionWhenNothingRuns) {
-    launched();
-    m_application->window()->close();
-    EXPECT_EQ(m_ended, 1);
-    EXPECT_TRUE(m_dialogs.alerts().isEmpty());
-}
-
-TEST_F(OrvoApplicationTest, quittingAsksWhileASessionRuns) {
-    launched();
-    startTerminal();
-    const auto session = m_application->workspace().sessions().front();
-
-    m_dialogs.answer(QStringLiteral("Cancel"));
-    m_application->quit();
-    EXPECT_EQ(m_ended, 0);
-    EXPECT_TRUE(session->running());
-
-    m_dialogs.answer(QStringLiteral("Quit & stop"));
-    m_application->quit();
-    EXPECT_EQ(m_ended, 1);
-    EXPECT_TRUE(test::waitFor([&] { return !session->running(); }));
-    EXPECT_EQ(m_dialogs.alerts().last().message, QStringLiteral("Quit and stop running sessions?"));
-}
-
 TEST_F(OrvoApplicationTest, programsThatLeftTheirTerminalsAreNamedAndStoppedOnlyWithAYes) {
     const QList<EscapedProgram> programs = {{.pid = 4711, .started = 1, .name = QStringLiteral("node")},
                                             {.pid = 4712, .started = 2, .name = QStringLiteral("redis")}};
@@ -375,21 +330,6 @@ TEST_F(OrvoApplicationTest, aSignalOfTheSystemStopsTheSessionsWithoutAQuestion) 
     EXPECT_TRUE(m_dialogs.alerts().isEmpty());
 }
 
-TEST_F(OrvoApplicationTest, aLogOutEndsTheRunWithoutAQuestionAndKeepsUnsavedText) {
-    launched();
-    startTerminal();
-    m_application->workspace().files().setEditorText(QStringLiteral("half a thought"));
-    const EndRequests endRequests(*qGuiApp, *m_application);
-    // What Qt makes of the session manager's last word.
-    QEvent quit(QEvent::Quit);
-    QCoreApplication::sendEvent(qGuiApp, &quit);
-    EXPECT_EQ(m_ended, 1);
-    EXPECT_TRUE(m_dialogs.alerts().isEmpty());
-    const FilePath kept = places().folders.applicationData("Recovery");
-    EXPECT_EQ(QDir(kept.display()).entryList(QDir::Files).size(), 1);
-    EXPECT_TRUE(test::waitFor([this] { return !m_application->workspace().anySessionRunning(); }));
-}
-
 TEST_F(OrvoApplicationTest, exportsAPictureOfTheWindow) {
     launched();
     const QString path = m_folder.filePath(QStringLiteral("preview.png"));
@@ -405,20 +345,6 @@ TEST_F(OrvoApplicationTest, exportsAPictureOfTheWindow) {
     m_dialogs.chooseFile(FilePath::fromString(m_folder.filePath(QStringLiteral("missing/preview.png"))));
     m_application->exportPreview();
     EXPECT_TRUE(told(QStringLiteral("Could not export the preview.")));
-}
-
-TEST_F(OrvoApplicationTest, capturesSixPagesAndEnds) {
-    const FilePath folder = FilePath::fromString(m_folder.filePath(QStringLiteral("deep/pictures")));
-    launched({.capture = folder}, Keep::Nothing);
-    // Pictures are written on another thread; the next page is shown when one is there.
-    EXPECT_TRUE(test::waitFor([this] {
-        m_clock.advance(std::chrono::seconds(1));
-        return m_ended == 1;
-    }));
-    EXPECT_EQ(QDir(folder.display()).entryList(QDir::Files, QDir::Name),
-              (QStringList{QStringLiteral("Appearance.png"), QStringLiteral("Assistants.png"),
-                           QStringLiteral("Files & runner.png"), QStringLiteral("Mac actions.png"),
-                           QStringLiteral("Settings.png"), QStringLiteral("Workspace.png")}));
 }
 
 }  // namespace

@@ -51,16 +51,6 @@ TEST(Theme, TextSizeFallsBackTo12WhenTheStoredOneIsOfNoUse) {
     }
 }
 
-TEST(Theme, ValuesOfAnotherTypeCountAsAbsent) {
-    FakePreferences preferences;
-    preferences.preset("pelkAccentApplied", true);
-    preferences.preset("background", 7.0);
-    preferences.preset("accent", QStringLiteral("C6BAA9"));
-    const Theme theme(&preferences);
-    EXPECT_EQ(theme.backgroundHex(), u"141413");
-    EXPECT_EQ(theme.accentHex(), u"C6BAA9");
-}
-
 TEST(Theme, OwnColorsAreStoredInOneFormAndMakeThePresetCustom) {
     FakePreferences preferences;
     Theme theme(&preferences);

@@ -2,6 +2,7 @@
 
 #include "mac_actions/readPlanFile.h"
 #include "mac_actions/visibleText.h"
+#include "mac_actions/wholeNumber.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+
+#include <limits>
 
 #include <unistd.h>
 
@@ -197,6 +200,39 @@ TEST(PlanJson, IsRefusedWithAReasonWhenItIsNoPlan) {
         EXPECT_NE(plan.error().message.toStdString().find(test.reason), std::string::npos)
             << test.json.left(80).toStdString() << ": " << plan.error().message.toStdString();
     }
+}
+
+TEST(WholeNumber, IsTheExactValueOrNothing) {
+    constexpr auto none = std::nullopt;
+    const struct {
+        std::string_view json;
+        std::optional<std::int64_t> value;
+    } cases[] = {
+        {"7", 7},
+        {"-7", -7},
+        {"-0", 0},
+        {"1.0", 1},
+        {"1e2", 100},
+        {"1E+2", 100},
+        {"100e-2", 1},
+        {"1.50e1", 15},
+        {"0.5e1", 5},
+        {"0e999999999999", 0},
+        {"1.5", none},
+        {"15e-1", none},
+        {"1e19", none},
+        {"1e999999999999", none},
+        {"1e-999999999999", none},
+        // A double has neither of these.
+        {"9007199254740993", 9007199254740993},
+        {"9007199254740993.0", 9007199254740993},
+        {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+        {"9223372036854775808", none},
+        {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+        {"-9223372036854775809", none},
+    };
+    for (const auto& [json, value] : cases)
+        EXPECT_EQ(wholeNumber(json), value) << json;
 }
 
 TEST(PlanFile, IsARegularFileOfAtMost60000Bytes) {

@@ -1,29 +1,10 @@
+#include "workspace/RecordingTeamRuns.h"
 #include "workspace/WorkspaceTestCase.h"
 
 #include <QDir>
 
 namespace orvo {
 namespace {
-
-class RecordingTeamRuns final : public TeamRunHandover {
-public:
-    void startTeamRun(const QString& task, const QList<Provider>& providers,
-                      const FilePath& folder) override {
-        tasks.append(task);
-        for (const Provider& provider : providers)
-            ids.append(provider.id);
-        projects.append(folder);
-        preparing = true;
-    }
-    void cancelPreparation() override { preparing = false; }
-    bool preparingRun() const override { return preparing; }
-    void runSessionFinished(TerminalSession&) override {}
-
-    QStringList tasks;
-    QStringList ids;
-    QList<FilePath> projects;
-    bool preparing = false;
-};
 
 class Dispatch : public test::WorkspaceTestCase {
 protected:
@@ -164,7 +145,7 @@ TEST_F(Dispatch, SeparateCopiesWithNobodyBehindThemKeepTheTask) {
 }
 
 TEST_F(Dispatch, SeparateCopiesHandTheTrimmedTaskOver) {
-    RecordingTeamRuns teamRuns;
+    test::RecordingTeamRuns teamRuns;
     workspace->setTeamRuns(&teamRuns);
     workspace->setSeparateCopies(true);
     send(QStringLiteral("  task\n"));

@@ -1,8 +1,6 @@
 #include "history/HistoryInbox.h"
 #include "workspace/WorkspaceTestCase.h"
 
-#include <QDir>
-
 namespace orvo {
 namespace {
 
@@ -27,21 +25,6 @@ TEST_F(WorkspacePreferences, AStoredFolderThatIsGoneIsDroppedSilently) {
     makeWorkspace();
     EXPECT_FALSE(workspace->folder());
     EXPECT_EQ(workspace->folderName(), QStringLiteral("Choose a project"));
-    EXPECT_FALSE(workspace->toast());
-}
-
-TEST_F(WorkspacePreferences, ValuesOfOtherTypesCountAsAbsent) {
-    preferences.preset("keepAwake", QStringLiteral("yes"));
-    preferences.preset("recentFolders", QStringLiteral("/a"));
-    preferences.preset("workspace", QByteArray("/tmp"));
-    preferences.preset("providers", QStringLiteral("[]"));
-    preferences.preset("history", 7.0);
-    makeWorkspace();
-    EXPECT_FALSE(workspace->keepAwake());
-    EXPECT_TRUE(workspace->recentFolders().isEmpty());
-    EXPECT_FALSE(workspace->folder());
-    EXPECT_EQ(workspace->assistants().providers(), Provider::defaults());
-    EXPECT_TRUE(workspace->history().entries().isEmpty());
     EXPECT_FALSE(workspace->toast());
 }
 

@@ -1,6 +1,5 @@
+#include "workspace/RecordingTeamRuns.h"
 #include "workspace/WorkspaceTestCase.h"
-
-#include <QDir>
 
 namespace orvo {
 namespace {
@@ -12,25 +11,6 @@ protected:
     bool waitForText(const std::shared_ptr<TerminalSession>& session, const char* text) {
         return test::waitFor([&] { return textOf(*session).contains(QString::fromUtf8(text)); });
     }
-};
-
-/// Notes what the workspace has already done when the team-run engine and the caller hear of an end.
-class Witness final : public TeamRunHandover {
-public:
-    explicit Witness(Workspace& workspace) : m_workspace(workspace) {}
-    void startTeamRun(const QString&, const QList<Provider>&, const FilePath&) override {}
-    void cancelPreparation() override {}
-    bool preparingRun() const override { return false; }
-    void runSessionFinished(TerminalSession& session) override {
-        log.append(QStringLiteral("runs, history %1, listed %2, running %3")
-                       .arg(m_workspace.history().entries().size())
-                       .arg(m_workspace.files().files().size())
-                       .arg(session.running()));
-    }
-    QStringList log;
-
-private:
-    Workspace& m_workspace;
 };
 
 TEST_F(Sessions, StartPutsTheSessionInFrontBeforeAnyProcessExists) {
@@ -53,20 +33,26 @@ TEST_F(Sessions, StartPutsTheSessionInFrontBeforeAnyProcessExists) {
 }
 
 TEST_F(Sessions, TheFinishStepRunsInItsOrder) {
-    Witness witness(*workspace);
-    workspace->setTeamRuns(&witness);
+    // What the workspace has already done when the team-run engine and the caller hear of an end.
+    QStringList log;
+    test::RecordingTeamRuns teamRuns;
+    teamRuns.onSessionFinished = [&](TerminalSession& session) {
+        log.append(QStringLiteral("runs, history %1, listed %2, running %3")
+                       .arg(workspace->history().entries().size())
+                       .arg(workspace->files().files().size())
+                       .arg(session.running()));
+    };
+    workspace->setTeamRuns(&teamRuns);
     workspace->openFolderForThisRun(project);
     workspace->setKeepAwake(true);
     const auto session = workspace->startSession(
         QStringLiteral("x"), QStringLiteral("title"), QStringLiteral("touch made; echo text"), project, {},
-        [&](TerminalSession&) {
-            witness.log.append(QStringLiteral("caller, awake %1").arg(sleepInhibitor.held()));
-        });
+        [&](TerminalSession&) { log.append(QStringLiteral("caller, awake %1").arg(sleepInhibitor.held())); });
     QObject::connect(workspace.get(), &Workspace::sessionStatesChanged, workspace.get(),
-                     [&] { witness.log.append(QStringLiteral("announced")); });
+                     [&] { log.append(QStringLiteral("announced")); });
     EXPECT_TRUE(everySessionEnds());
-    EXPECT_EQ(witness.log, (QStringList{QStringLiteral("runs, history 1, listed 1, running 0"),
-                                        QStringLiteral("announced"), QStringLiteral("caller, awake 0")}));
+    EXPECT_EQ(log, (QStringList{QStringLiteral("runs, history 1, listed 1, running 0"),
+                                QStringLiteral("announced"), QStringLiteral("caller, awake 0")}));
 
     const HistoryEntry entry = workspace->history().entries().first();
     EXPECT_EQ(entry.provider, QStringLiteral("x"));
@@ -77,15 +63,6 @@ TEST_F(Sessions, TheFinishStepRunsInItsOrder) {
     EXPECT_EQ(entry.started, session->started());
     EXPECT_TRUE(preferences.value(preference::history));
     workspace->setTeamRuns(nullptr);
-}
-
-TEST_F(Sessions, OnlyTheLast60000CharactersOfALongScreenAreRecorded) {
-    // 1,200 lines of 80 columns, each with the same text before its number.
-    const auto session = run("for i in {1..1200}; do printf '%075d\\n' $i; done");
-    EXPECT_TRUE(everySessionEnds());
-    const QString whole = textOf(*session);
-    ASSERT_GT(whole.size(), 60'000);
-    EXPECT_EQ(workspace->history().entries().first().output, whole.right(60'000));
 }
 
 TEST_F(Sessions, ClosingARunningSessionAsksAndRecordsItsEnd) {
@@ -179,32 +156,11 @@ TEST_F(Sessions, ARefusedAssertionIsAskedForAgainAtTheNextStart) {
     EXPECT_EQ(sleepInhibitor.held(), 0);
 }
 
-TEST_F(Sessions, ADeletedFolderIsSaidOnTheSessionsScreen) {
-    workspace->openFolderForThisRun(project);
-    QDir().rmdir(project.display());
-    const auto session = run("exit 0");
-    EXPECT_TRUE(everySessionEnds());
-    EXPECT_EQ(session->exitCode(), 126);
-    EXPECT_TRUE(textOf(*session).contains(QStringLiteral("cannot open the selected working folder.")));
-    EXPECT_EQ(workspace->history().entries().first().exitCode, 126);
-}
-
 TEST_F(Sessions, AWorkspaceMayGoWhileSessionsRun) {
     const auto session = run("sleep 1000");
     workspace.reset();
     session->stop();
     EXPECT_TRUE(test::waitFor([&] { return !session->running(); }));
-}
-
-TEST_F(Sessions, FocusShowsTheSessionAlone) {
-    const auto first = run("exit 0");
-    run("exit 0");
-    workspace->setDestination(Destination::History);
-    workspace->focusSession(first->id());
-    EXPECT_EQ(workspace->activeSession(), first);
-    EXPECT_TRUE(workspace->focusMode());
-    EXPECT_EQ(workspace->destination(), Destination::Workspace);
-    EXPECT_TRUE(everySessionEnds());
 }
 
 TEST_F(Sessions, ExportWritesTheTextUnderAProposedName) {

@@ -12,10 +12,6 @@
 namespace orvo::test {
 namespace {
 
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 class AssistantsViewTest : public ScreenFixture {
 protected:
     void openPage() {

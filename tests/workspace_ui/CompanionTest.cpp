@@ -2,7 +2,6 @@
 #include "companion/ui/CompanionPanel.h"
 #include "companion/ui/PetArt.h"
 #include "companion/ui/PetInteractionView.h"
-#include "companion/ui/PetTile.h"
 #include "companion/ui/deskScreens.h"
 #include "companion/ui/floating.h"
 #include "support/WaitFor.h"
@@ -11,8 +10,6 @@
 #include "appearance/controls/OrvoStyle.h"
 
 #include <QApplication>
-#include <QPlainTextEdit>
-#include <QSlider>
 #include <QTest>
 
 #include <cmath>
@@ -183,39 +180,6 @@ TEST_F(CompanionTest, readsTheActiveSessionElseTheNewestHistory) {
     EXPECT_TRUE(m_synthesizer.spoken.last().text.contains(QStringLiteral("hello-42")));
 }
 
-TEST_F(CompanionTest, thePageShapesThePetOnTheDesktop) {
-    companion();
-    OrvoRoot& root = screen();
-    controller();
-    workspace().setDestination(Destination::Companion);
-    auto* const size = test::find<QSlider>(root, QStringLiteral("Pet size"));
-    ASSERT_TRUE(size);
-    size->setValue(size->maximum());
-    EXPECT_EQ(companion().scale(), 1.5);
-    EXPECT_EQ(pet()->size(), QSize(264, 279));
-    EXPECT_TRUE(test::shows(root, QStringLiteral("150%")));
-    size->setValue(size->minimum());
-    EXPECT_EQ(companion().scale(), 0.65);
-    EXPECT_TRUE(test::shows(root, QStringLiteral("65%")));
-
-    press(QStringLiteral("Show desktop companion"));
-    EXPECT_FALSE(m_controller->isPetVisible());
-    press(QStringLiteral("Open quick draft"));
-    EXPECT_TRUE(m_controller->isPetVisible());
-    EXPECT_TRUE(m_controller->isDraftVisible());
-    press(QStringLiteral("Gentle floating motion"));
-    EXPECT_FALSE(companion().animate());
-
-    drag({QPoint(-200, -200)});
-    const QPointF moved = m_controller->origin();
-    press(QStringLiteral("Reset desktop position"));
-    EXPECT_NE(m_controller->origin(), moved);
-    press(QStringLiteral("Remove custom"));
-    EXPECT_EQ(companion().message(), QStringLiteral("Your default pixel companion is ready."));
-    press(QStringLiteral("Back to Settings"));
-    EXPECT_EQ(workspace().destination(), Destination::Settings);
-}
-
 TEST_F(CompanionTest, theDraftCanBecomeTheTaskOfAPlan) {
     companion();
     macActions();
@@ -227,29 +191,6 @@ TEST_F(CompanionTest, theDraftCanBecomeTheTaskOfAPlan) {
     workspace().setDestination(Destination::Mac);
     press(QStringLiteral("Use voice draft"));
     EXPECT_EQ(macActions().planner().task(), QStringLiteral("Note the tide"));
-}
-
-TEST_F(CompanionTest, theChosenPetIsTheOneThatIsMarked) {
-    companion();
-    OrvoRoot& root = screen();
-    workspace().setDestination(Destination::Companion);
-    auto* const builtIn = test::find<PetTile>(root, QStringLiteral("Default pet"));
-    auto* const custom = test::find<PetTile>(root, QStringLiteral("Custom"));
-    ASSERT_TRUE(builtIn && custom);
-    EXPECT_TRUE(builtIn->isChecked() && !custom->isChecked());
-
-    QImage image(8, 4, QImage::Format_ARGB32);
-    image.fill(Qt::green);
-    const QString file = m_folder.filePath(QStringLiteral("frog.png"));
-    ASSERT_TRUE(image.save(file));
-    m_dialogs.openFile(FilePath::fromString(file));
-    press(QStringLiteral("Choose your own image"));
-    EXPECT_EQ(companion().message(), QStringLiteral("Your custom companion is ready."));
-    EXPECT_TRUE(!builtIn->isChecked() && custom->isChecked());
-    EXPECT_TRUE(test::shows(root, QStringLiteral("Your custom companion")));
-    builtIn->click();
-    EXPECT_EQ(companion().appearance(), QStringLiteral("default"));
-    EXPECT_TRUE(builtIn->isChecked() && !custom->isChecked());
 }
 
 TEST_F(CompanionTest, pixelsStayHardAtAnySize) {

@@ -2,27 +2,11 @@
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/TaskEditor.h"
 #include "support/WaitFor.h"
+#include "workspace/RecordingTeamRuns.h"
 #include "workspace_ui/ScreenFixture.h"
-
-#include <QAccessible>
 
 namespace orvo {
 namespace {
-
-/// A team-run engine of which only the preparation matters here.
-class FakeTeamRuns final : public TeamRunHandover {
-public:
-    void startTeamRun(const QString& task, const QList<Provider>&, const FilePath&) override {
-        m_task = task;
-    }
-    void cancelPreparation() override { ++m_cancelled; }
-    bool preparingRun() const override { return m_preparing; }
-    void runSessionFinished(TerminalSession&) override {}
-
-    bool m_preparing = false;
-    int m_cancelled = 0;
-    QString m_task;
-};
 
 class ComposerTest : public test::ScreenFixture {
 protected:
@@ -38,7 +22,7 @@ protected:
 
     ~ComposerTest() override { workspace().setTeamRuns(nullptr); }
 
-    FakeTeamRuns m_runs;
+    test::RecordingTeamRuns m_runs;
 };
 
 TEST_F(ComposerTest, whatIsWrittenIsTheModelsAndBack) {
@@ -104,15 +88,15 @@ TEST_F(ComposerTest, separateCopiesWaitForTeamRuns) {
 TEST_F(ComposerTest, whileARunIsPreparedOnlyCancelIsOffered) {
     workspace().setTeamRuns(&m_runs);
     EXPECT_FALSE(test::shows(screen(), QStringLiteral("Cancel")));
-    m_runs.m_preparing = true;
+    m_runs.preparing = true;
     workspace().refreshPreparingRun();
     EXPECT_FALSE(test::find<OrvoButton>(screen(), QStringLiteral("Preparing…"))->isEnabled());
     EXPECT_FALSE(segment("Shared folder")->isEnabled());
     EXPECT_FALSE(segment("Separate copies")->isEnabled());
     press(QStringLiteral("Cancel"));
-    EXPECT_EQ(m_runs.m_cancelled, 1);
+    EXPECT_EQ(m_runs.cancelled, 1);
 
-    m_runs.m_preparing = false;
+    m_runs.preparing = false;
     workspace().refreshPreparingRun();
     EXPECT_TRUE(test::find<OrvoButton>(screen(), QStringLiteral("Run task"))->isEnabled());
     EXPECT_TRUE(segment("Shared folder")->isEnabled());

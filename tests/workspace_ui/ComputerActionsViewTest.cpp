@@ -4,16 +4,10 @@
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
 
-#include <QAccessible>
-#include <QFile>
 #include <QLabel>
 
 namespace orvo::test {
 namespace {
-
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 class ComputerActionsViewTest : public ScreenFixture {
 protected:
@@ -22,17 +16,6 @@ protected:
         m_desktop.installed.insert(text("com.example.notes"), {text("notes.desktop"), text("Notes")});
         workspace().setDestination(Destination::Mac);
         screen();
-    }
-    /// A codex that answers every request with this plan, after having read a line if it is to wait.
-    void installPlanner(const QByteArray& plan, const QByteArray& before = {}) {
-        install(text("codex"));
-        QFile script(m_folder.filePath(text("home/.local/bin/codex")));
-        ASSERT_TRUE(script.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        script.write("#!/bin/sh\n[ \"$1\" = login ] && exit 0\n" + before +
-                     "\nwhile [ $# -gt 0 ]; do [ \"$1\" = --output-last-message ] && out=$2; "
-                     "[ \"$1\" = -o ] && out=$2; shift; done\ncat > \"$out\" <<'END'\n" +
-                     plan + "\nEND\n");
-        workspace().assistants().refreshProviders();
     }
     void requestPlan() {
         find<TaskEditor>(screen(), text("Mac task to plan"))->setPlainText(text("Write a note"));
@@ -105,26 +88,6 @@ TEST_F(ComputerActionsViewTest, StopsTypingMidLine) {
     EXPECT_TRUE(shows(screen(), text("3 of 8 characters")));
     press(text("Stop typing"));
     EXPECT_EQ(m_desktop.log.last(), text("cancel typing"));
-}
-
-TEST_F(ComputerActionsViewTest, StopsPlanning) {
-    installPlanner("{}", "read -r line < /dev/tty");
-    openPage();
-    EXPECT_FALSE(shows(screen(), text("Stop planning")));
-    requestPlan();
-    press(text("Stop planning"));
-    EXPECT_TRUE(waitFor([&] {
-        return shows(screen(), text("Planning stopped or failed. Open the planner output to see the "
-                                    "provider’s message."));
-    }));
-    EXPECT_TRUE(isEnabled("Make a plan"));
-}
-
-TEST_F(ComputerActionsViewTest, AnEmptyVoiceDraftLeadsToTheCompanion) {
-    openPage();
-    press(text("Use voice draft"));
-    EXPECT_EQ(workspace().destination(), Destination::Companion);
-    EXPECT_EQ(workspace().toast(), text("Use the companion microphone to make a draft first."));
 }
 
 TEST_F(ComputerActionsViewTest, RunsScriptsInTheProjectFolderOnly) {

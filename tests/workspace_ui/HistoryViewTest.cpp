@@ -1,4 +1,5 @@
 #include "appearance/controls/TextField.h"
+#include "history/sampleEntry.h"
 #include "history/ui/HistoryRow.h"
 #include "support/WaitFor.h"
 #include "workspace_ui/ScreenFixture.h"
@@ -15,21 +16,14 @@
 namespace orvo::test {
 namespace {
 
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 class HistoryViewTest : public ScreenFixture {
 protected:
     void record(const char* provider, const QString& title, const QString& output, int exitCode = 0) {
-        HistoryEntry entry;
-        entry.id = QUuid::createUuid();
+        HistoryEntry entry = sampleEntry(title, output);
         entry.provider = text(provider);
-        entry.title = title;
         entry.directory = makeProject(text("old-project"));
         entry.started = QDateTime(QDate(2026, 11, 22), QTime(12, 0));
         entry.exitCode = exitCode;
-        entry.output = output;
         workspace().history().record(entry);
     }
     void openPage() {
@@ -172,19 +166,6 @@ TEST_F(HistoryViewTest, GivesWhatHasNoNameOne) {
     openPage();
     EXPECT_EQ(titles(), QStringList{text("Untitled session")});
     EXPECT_TRUE(rows().first()->accessibleDescription().startsWith(text("helper, ")));
-}
-
-TEST_F(HistoryViewTest, ClearsOnlyAfterTheQuestion) {
-    record("codex", text("kept"), text("x"));
-    openPage();
-    m_dialogs.answer(text("Cancel"));
-    press(text("Clear history"));
-    EXPECT_EQ(m_dialogs.alerts().last().message, text("Clear Orvo’s saved history?"));
-    EXPECT_EQ(titles().size(), 1);
-    m_dialogs.answer(text("Clear"));
-    press(text("Clear history"));
-    EXPECT_TRUE(shows(screen(), text("Completed sessions will appear here.")));
-    EXPECT_EQ(workspace().toast(), text("Orvo history cleared."));
 }
 
 TEST_F(HistoryViewTest, ExportsTheTextAndOpensTheFolder) {

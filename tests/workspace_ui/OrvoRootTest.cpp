@@ -66,10 +66,6 @@ TEST_F(OrvoRootTest, ofEightRecentProjectsTheFourNewestAreListed) {
     EXPECT_FALSE(test::shows(screen(), QStringLiteral("Your projects will appear here.")));
 }
 
-TEST_F(OrvoRootTest, withoutRecentProjectsAHintStandsThere) {
-    EXPECT_TRUE(test::shows(screen(), QStringLiteral("Your projects will appear here.")));
-}
-
 TEST_F(OrvoRootTest, choosingARecentProjectAsksAboutUnsavedChangesFirst) {
     keepRecent(2);
     workspace().files().setEditorText(QStringLiteral("not saved"));
@@ -139,14 +135,6 @@ TEST_F(OrvoRootTest, theConnectorViewFollowsTheModelAndEscapeDismissesIt) {
     EXPECT_TRUE(test::shows(screen(), QStringLiteral("Add an assistant")));
     workspace().dismissConnector();
     EXPECT_TRUE(test::waitFor([&] { return !screen().findChild<Sheet*>(); }));
-}
-
-TEST_F(OrvoRootTest, theSheetLeadsToTheToolsDocumentation) {
-    screen();
-    const Provider codex = workspace().assistants().provider(QStringLiteral("codex"));
-    workspace().editConnector(codex);
-    press(QStringLiteral("Provider documentation ↗"));
-    EXPECT_EQ(m_launcher.addresses(), QList<QUrl>{*codex.documentationURL()});
 }
 
 }  // namespace

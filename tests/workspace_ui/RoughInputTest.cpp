@@ -4,6 +4,7 @@
 #include "appearance/controls/Notice.h"
 #include "appearance/controls/OrvoStyle.h"
 #include "files/ui/FileList.h"
+#include "history/sampleEntry.h"
 #include "support/WaitFor.h"
 #include "team_runs/RunStore.h"
 #include "workspace_ui/ScreenFixture.h"
@@ -22,10 +23,6 @@ namespace {
 
 // The smallest window without its menu bar.
 constexpr QSize smallest(1180, 712);
-
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 class RoughInputTest : public ScreenFixture {
 protected:
@@ -154,14 +151,11 @@ TEST_F(RoughInputTest, twoHundredRunsAreOfferedAndOneWhoseFolderIsGoneSaysSo) {
 
 TEST_F(RoughInputTest, historyElidesItsRowsAndShowsTheWholeOutput) {
     for (const QString& title : roughTexts()) {
-        HistoryEntry entry;
-        entry.id = QUuid::createUuid();
+        const QString line = title.left(200) + u'\n';
+        HistoryEntry entry = sampleEntry(title, line.repeated(60'000 / line.size()));
         entry.provider = title;
-        entry.title = title;
         entry.directory = FilePath::fromString(m_folder.filePath(title.left(60)));
         entry.started = QDateTime(QDate(1, 1, 1), QTime(12, 0));
-        const QString line = title.left(200) + u'\n';
-        entry.output = line.repeated(60'000 / line.size());
         workspace().history().record(entry);
     }
     show(Destination::History);
@@ -208,21 +202,12 @@ TEST_F(RoughInputTest, filesAreNamedPlainlyAndAPipeIsNotOpened) {
 }
 
 TEST_F(RoughInputTest, aPlanShowsWhatWasAnsweredToTheLetter) {
-    install(text("codex"));
-    QFile script(m_folder.filePath(text("home/.local/bin/codex")));
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly | QIODevice::Truncate));
     const QString word = roughTexts()[1] + text("שלום ") + QString(250, u'W');
     const QString plan =
         text(
             R"({"explanation":"%1","steps":[{"id":1,"title":"%1","action":"type_text","app":"a.b","value":"%2"}]})")
             .arg(word, QString(2'000, u'M'));
-    script.write(
-        "#!/bin/sh\n[ \"$1\" = login ] && exit 0\nwhile [ $# -gt 0 ]; do [ \"$1\" = --output-last-message ] "
-        "&& "
-        "out=$2; shift; done\ncat > \"$out\" <<'END'\n" +
-        plan.toUtf8() + "\nEND\n");
-    script.close();
-    workspace().assistants().refreshProviders();
+    installPlanner(plan.toUtf8());
     macActions();
     workspace().openFolderForThisRun(makeProject(text("notes")));
     show(Destination::Mac);

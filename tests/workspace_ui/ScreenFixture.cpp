@@ -48,11 +48,20 @@ ScreenFixture::~ScreenFixture() {
     if (m_workspace) stopSessionsAndWait(m_workspace->sessions());
 }
 
-void ScreenFixture::install(const QString& program) {
+void ScreenFixture::install(const QString& program, const QByteArray& script) {
     QFile file(m_folder.filePath(QStringLiteral("home/.local/bin/") + program));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\nprintf 'asked: %s\\n' \"$*\"\nread -r line\n");
+    file.write("#!/bin/sh\n" + script);
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void ScreenFixture::installPlanner(const QByteArray& plan, const QByteArray& before) {
+    install(text("codex"),
+            "[ \"$1\" = login ] && exit 0\n" + before +
+                "\nwhile [ $# -gt 0 ]; do [ \"$1\" = --output-last-message ] && out=$2; shift; done\n"
+                "cat > \"$out\" <<'END'\n" +
+                plan + "\nEND\n");
+    workspace().assistants().refreshProviders();
 }
 
 FilePath ScreenFixture::makeProject(const QString& name) {

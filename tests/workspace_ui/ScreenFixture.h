@@ -24,6 +24,10 @@
 
 namespace orvo::test {
 
+inline QString text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
 /// The name by which assistive technology finds a control.
 QString nameOf(const QWidget& widget);
 /// The visible control of this type and name below `root`; fails the test and gives null when there is none.
@@ -43,8 +47,12 @@ protected:
     ScreenFixture();
     ~ScreenFixture() override;
 
-    /// Installs a program of this name that prints its arguments and waits for a line.
-    void install(const QString& program);
+    /// Installs a program of this name: a shell script, which otherwise prints its arguments and waits for a
+    /// line.
+    void install(const QString& program,
+                 const QByteArray& script = "printf 'asked: %s\\n' \"$*\"\nread -r line\n");
+    /// Installs a codex that is signed in and answers every request with this plan, once `before` has run.
+    void installPlanner(const QByteArray& plan, const QByteArray& before = {});
     FilePath makeProject(const QString& name);
     /// Made at the first call, so that a test can install programs and preset preferences before.
     Workspace& workspace();

@@ -10,8 +10,6 @@
 #include <QApplication>
 #include <QHelpEvent>
 #include <QMenu>
-#include <QScrollBar>
-#include <QWheelEvent>
 
 namespace orvo {
 namespace {

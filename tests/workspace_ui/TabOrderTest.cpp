@@ -1,4 +1,4 @@
-#include "support/WaitFor.h"
+#include "history/sampleEntry.h"
 #include "workspace_ui/ScreenFixture.h"
 
 #include <QApplication>
@@ -9,10 +9,6 @@ namespace {
 
 constexpr int rowHeight = 40;
 
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 class TabOrderTest : public ScreenFixture, public testing::WithParamInterface<Destination> {
 protected:
     /// Something to stop at on every page.
@@ -21,14 +17,8 @@ protected:
         QFile file(project.child("a.txt").display());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         for (const char* title : {"first", "second"}) {
-            HistoryEntry entry;
-            entry.id = QUuid::createUuid();
-            entry.provider = text("codex");
-            entry.title = text(title);
+            HistoryEntry entry = sampleEntry(text(title));
             entry.directory = project;
-            entry.started = QDateTime(QDate(2026, 11, 22), QTime(12, 0));
-            entry.exitCode = 0;
-            entry.output = text("tide");
             workspace().history().record(entry);
         }
         m_preferences.preset(preference::recentFolders.name, QStringList{project.display()});

@@ -16,10 +16,6 @@
 namespace orvo::test {
 namespace {
 
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 class TeamRunsViewTest : public ScreenFixture {
 protected:
     void write(const QString& path, const QByteArray& content) {

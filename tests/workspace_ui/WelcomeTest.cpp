@@ -1,4 +1,3 @@
-#include "appearance/controls/ActionCard.h"
 #include "appearance/controls/OrvoButton.h"
 #include "assistants/ui/ProviderCard.h"
 #include "workspace_ui/ScreenFixture.h"
@@ -7,33 +6,6 @@ namespace orvo {
 namespace {
 
 using WelcomeTest = test::ScreenFixture;
-
-TEST_F(WelcomeTest, anIdeaGoesIntoTheComposerAndNothingIsSent) {
-    const QHash<QString, QString> ideas = {
-        {QStringLiteral("Build something"),
-         QStringLiteral(
-             "Help me build a new feature in this project. Start by inspecting the folder and proposing "
-             "a plan.")},
-        {QStringLiteral("Review my code"),
-         QStringLiteral(
-             "Review this project for bugs and opportunities to improve it. Explain your findings before "
-             "making changes.")},
-        {QStringLiteral("Explore a project"),
-         QStringLiteral(
-             "Explore this project and explain its architecture, how to run it, and where to start. Do "
-             "not modify files.")}};
-    for (auto it = ideas.cbegin(); it != ideas.cend(); ++it) {
-        press(it.key());
-        EXPECT_EQ(workspace().prompt(), it.value());
-    }
-    EXPECT_TRUE(workspace().sessions().empty());
-    EXPECT_FALSE(workspace().presentConnector());
-}
-
-TEST_F(WelcomeTest, viewAllLeadsToTheAssistants) {
-    press(QStringLiteral("View all  ↗"));
-    EXPECT_EQ(workspace().destination(), Destination::Agents);
-}
 
 ProviderCard* cardOf(const QWidget& root, const QString& provider) {
     for (ProviderCard* const card : root.findChildren<ProviderCard*>()) {

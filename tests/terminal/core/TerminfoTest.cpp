@@ -282,55 +282,22 @@ TEST(Terminfo, KeysSendWhatTheySay) {
 const std::set<std::string, std::less<>> explained = {
     // Of the grid: it wraps behind the last column, waits there, erases with the background, moves and writes
     // in insert mode and with attributes, keeps a backspace in the line, needs no padding.
-    "auto_right_margin",
-    "eat_newline_glitch",
-    "back_color_erase",
-    "move_insert_mode",
-    "move_standout_mode",
-    "backspaces_with_bs",
-    "no_pad_char",
-    "columns",
-    "lines",
-    "init_tabs",
-    "max_colors",
-    "max_pairs",
+    "auto_right_margin", "eat_newline_glitch", "back_color_erase", "move_insert_mode", "move_standout_mode",
+    "backspaces_with_bs", "no_pad_char", "columns", "lines", "init_tabs", "max_colors", "max_pairs",
     "acs_chars",
     // The mouse's own tests show it.
     "key_mouse",
     // Home and End have one form in both modes of the cursor keys, which programs know as well.
-    "key_home",
-    "key_end",
+    "key_home", "key_end",
     // Setting colours, blinking, flashing, the eighth bit of keys, locked memory, printing.
-    "can_change",
-    "initialize_color",
-    "orig_colors",
-    "enter_blink_mode",
-    "flash_screen",
-    "has_meta_key",
-    "meta_off",
-    "meta_on",
-    "memory_lock",
-    "memory_unlock",
-    "print_screen",
-    "prtr_off",
-    "prtr_on",
+    "can_change", "initialize_color", "orig_colors", "enter_blink_mode", "flash_screen", "has_meta_key",
+    "meta_off", "meta_on", "memory_lock", "memory_unlock", "print_screen", "prtr_off", "prtr_on",
     "prtr_silent",
     // Left and right margins: the mode report says that there are none.
-    "clear_margins",
-    "set_left_margin_parm",
-    "set_lr_margin",
-    "set_right_margin_parm",
+    "clear_margins", "set_left_margin_parm", "set_lr_margin", "set_right_margin_parm",
     // Of tests above.
-    "cursor_invisible",
-    "cursor_normal",
-    "cursor_visible",
-    "keypad_xmit",
-    "keypad_local",
-    "user6",
-    "user7",
-    "user8",
-    "user9",
-};
+    "cursor_invisible", "cursor_normal", "cursor_visible", "keypad_xmit", "keypad_local", "user6", "user7",
+    "user8", "user9"};
 
 TEST(Terminfo, NoCapabilityIsForgotten) {
     std::set<std::string, std::less<>> known = explained;

@@ -171,24 +171,6 @@ TEST(PTYTransport, RepliesCountAsUnreadUntilTheyAreWrittenAndInputIsNeverDropped
     EXPECT_TRUE(waitFor([&] { return command.transport->unreadReplies() == 0; }));
 }
 
-struct EndCase {
-    const char* command;
-    int status;
-};
-
-TEST(PTYTransport, StatusesAreReportedAsTheyAre) {
-    for (const auto& [text, status] : {EndCase{"exit 0", 0},
-                                       {"exit 7", 7},
-                                       {"exit 255", 255},
-                                       {"/no/such/program", 127},
-                                       {"kill -TERM $$", 143},
-                                       {"kill -KILL $$", 137}}) {
-        Command command(text);
-        ASSERT_TRUE(command.ends()) << text;
-        EXPECT_EQ(command.statuses, std::vector{status}) << text;
-    }
-}
-
 TEST(PTYTransport, StopReachesTheForegroundJobOfAnInteractiveShellToo) {
     Command command("exec zsh -f -i");
     // The job has a group of its own. Its words are put together only when printed, unlike in the echo.
