@@ -18,6 +18,7 @@
 #include <csignal>
 
 #include <atomic>
+#include <optional>
 
 namespace orvo::test {
 namespace {
@@ -34,15 +35,23 @@ protected:
         if (!missing.isEmpty()) GTEST_SKIP() << missing.toStdString() << " is not installed";
         if (!QDir(QString::fromUtf8(modelFolder)).exists())
             GTEST_SKIP() << "the speech model of package pocketsphinx-en-us is not installed";
+        startServer(SoundServer::Microphone::HearsWhatIsPlayed);
     }
-    CompanionServices services(const char* locale = "en_US") {
+    /// In place of the one before.
+    void startServer(SoundServer::Microphone microphone) {
+        m_sound.reset();
+        m_sound.emplace(microphone);
+        ASSERT_TRUE(m_sound->fault().isEmpty()) << m_sound->fault().toStdString();
+    }
+    CompanionServices services(const char* locale = "en_US") { return services(locale, m_voice); }
+    CompanionServices services(const char* locale, VoiceServices& voice) {
         return {.preferences = &m_preferences,
                 .clock = m_clock,
                 .dialogs = m_dialogs,
                 .images = m_images,
-                .microphone = m_voice.microphone(),
-                .recognition = m_voice.recognition(),
-                .synthesizer = m_voice.synthesizer(),
+                .microphone = voice.microphone(),
+                .recognition = voice.recognition(),
+                .synthesizer = voice.synthesizer(),
                 .builtInPet = [] { return nullptr; },
                 .locale = QString::fromUtf8(locale)};
     }
@@ -98,11 +107,10 @@ protected:
     FakeDialogs m_dialogs;
     FakeImageDecoder m_images;
     VoiceServices m_voice{&m_preferences};
+    std::optional<SoundServer> m_sound;
 };
 
 TEST_F(DictationTest, WhatIsSaidGrowsInTheDraftUntilTheSpeakerIsSilent) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     CompanionModel model(services());
     model.setDraft(QStringLiteral("Before."));
     int changes = 0;
@@ -147,9 +155,8 @@ TEST_F(DictationTest, WhatIsSaidGrowsInTheDraftUntilTheSpeakerIsSilent) {
 TEST_F(DictationTest, WithoutAMicrophoneOrALanguageTheCompanionSaysSo) {
     const char* const unavailable =
         "Speech recognition is unavailable for this language or connection. You can still type your draft.";
+    ASSERT_NO_FATAL_FAILURE(startServer(SoundServer::Microphone::None));
     {
-        SoundServer sound(SoundServer::Microphone::None);
-        ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
         CompanionModel model(services());
         model.toggleMicrophone();
         EXPECT_TRUE(becomesIdle(model));
@@ -159,7 +166,7 @@ TEST_F(DictationTest, WithoutAMicrophoneOrALanguageTheCompanionSaysSo) {
         EXPECT_TRUE(becomesIdle(other));
         EXPECT_EQ(other.message(), QString::fromUtf8(unavailable));
     }
-    // The sound server is gone.
+    m_sound.reset();
     CompanionModel model(services());
     model.toggleMicrophone();
     EXPECT_TRUE(becomesIdle(model));
@@ -167,8 +174,6 @@ TEST_F(DictationTest, WithoutAMicrophoneOrALanguageTheCompanionSaysSo) {
 }
 
 TEST_F(DictationTest, TheTapGetsPiecesOfOneSizeAndNothingAfterItsRemoval) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     Microphone& microphone = m_voice.microphone();
     std::atomic<bool> isThere = false;
     microphone.requestAccess([&isThere](bool granted) { isThere = granted; });
@@ -200,8 +205,6 @@ TEST_F(DictationTest, TheTapGetsPiecesOfOneSizeAndNothingAfterItsRemoval) {
 }
 
 TEST_F(DictationTest, TogglingQuicklyEndsInSilence) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     CompanionModel model(services());
     for (int turn = 0; turn < 20; ++turn) {
         model.toggleMicrophone();
@@ -228,15 +231,10 @@ TEST_F(DictationTest, TogglingQuicklyEndsInSilence) {
 
 TEST_F(DictationTest, ASoundServerThatGoesEndsTheDictationAndANewOneIsFound) {
     CompanionModel model(services());
-    {
-        SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-        ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
-        model.toggleMicrophone();
-        ASSERT_TRUE(waitLong([&model] { return model.listening(); }));
-        kill(static_cast<pid_t>(sound.pid()), SIGKILL);
-    }
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
+    model.toggleMicrophone();
+    ASSERT_TRUE(waitLong([&model] { return model.listening(); }));
+    kill(static_cast<pid_t>(m_sound->pid()), SIGKILL);
+    ASSERT_NO_FATAL_FAILURE(startServer(SoundServer::Microphone::HearsWhatIsPlayed));
     EXPECT_TRUE(waitLong([&model] { return !model.listening(); }));
     EXPECT_EQ(model.message(), QStringLiteral("Dictation ended. Check your microphone, language, and "
                                               "connection; your draft is kept."));
@@ -247,21 +245,11 @@ TEST_F(DictationTest, ASoundServerThatGoesEndsTheDictationAndANewOneIsFound) {
 }
 
 TEST_F(DictationTest, ASoundServerThatHangsHoldsUpNothing) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
-    const auto server = static_cast<pid_t>(sound.pid());
+    const auto server = static_cast<pid_t>(m_sound->pid());
     QElapsedTimer timer;
     {
         VoiceServices voice(nullptr);
-        CompanionModel model({.preferences = nullptr,
-                              .clock = m_clock,
-                              .dialogs = m_dialogs,
-                              .images = m_images,
-                              .microphone = voice.microphone(),
-                              .recognition = voice.recognition(),
-                              .synthesizer = voice.synthesizer(),
-                              .builtInPet = [] { return nullptr; },
-                              .locale = QStringLiteral("en_US")});
+        CompanionModel model(services("en_US", voice));
         kill(server, SIGSTOP);
         timer.start();
         model.toggleMicrophone();
@@ -279,8 +267,6 @@ TEST_F(DictationTest, ASoundServerThatHangsHoldsUpNothing) {
 }
 
 TEST_F(DictationTest, TheApplicationMayEndWhileTheModelIsLoaded) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     QElapsedTimer timer;
     {
         const auto voice = std::make_unique<VoiceServices>(nullptr);
@@ -300,8 +286,6 @@ TEST_F(DictationTest, TheApplicationMayEndWhileTheModelIsLoaded) {
 }
 
 TEST_F(DictationTest, ACommandOfThePersonsOwnRecognises) {
-    SoundServer sound(SoundServer::Microphone::HearsWhatIsPlayed);
-    ASSERT_TRUE(sound.fault().isEmpty()) << sound.fault().toStdString();
     // Counts what it hears: half a second of sound is 16,000 bytes.
     const char* const counter = "echo $ORVO_LOCALE; head -c 16000 | wc -c; head -c 16000 | wc -c; exit 0";
     (void)m_preferences.setValue(preference::recognizerCommand, QString::fromUtf8(counter));
