@@ -153,12 +153,12 @@ int showWindow(const char* program, const Options& options) {
     if (place.instance) {
         QObject::connect(place.instance.get(), &SingleInstance::requested, &orvo, &OrvoApplication::serve);
     }
-    QGuiApplication::setWindowIcon(brandIcon());
     orvo.launch();
     window = orvo.window();
     // What need not be there for the first picture.
     std::optional<MotionSetting> motion;
     clock.after(laterDelay, &orvo, [&together, &motion, &orvo] {
+        QGuiApplication::setWindowIcon(brandIcon());
         together.reset();
         motion.emplace();
         observe(*motion, {&MotionSetting::reducedChanged}, &orvo,

@@ -4,9 +4,12 @@
 #include "appearance/controls/InfoCard.h"
 #include "appearance/controls/Paragraph.h"
 #include "appearance/controls/ScrollPage.h"
+#include "appearance/controls/lineText.h"
 
 #include <QHelpEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QTextLayout>
 #include <QToolTip>
 #include <QVBoxLayout>
 
@@ -33,6 +36,44 @@ TEST_F(Layout, AParagraphIsAsHighAsItsLinesAtTheirPitch) {
     EXPECT_EQ(Paragraph(QString(400, u'w')).heightForWidth(100) % 20, 0)
         << "a word wider than the line breaks";
     EXPECT_EQ(Paragraph(QString()).heightForWidth(100), 20);
+}
+
+/// The number of lines that Qt breaks a text into, asked anew.
+int linesOf(const QString& text, const QFont& font, int width) {
+    QTextLayout layout(QString(text).replace(u'\n', QChar::LineSeparator), font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    int lines = 0;
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine(), ++lines)
+        line.setLineWidth(width);
+    layout.endLayout();
+    return lines;
+}
+
+// What is remembered of earlier widths must never show.
+TEST_F(Layout, AParagraphIsTheSameWhateverWidthsWereAskedBefore) {
+    const QString mixed =
+        sentence + QStringLiteral("\n/srv/a-very-long-name/without-a-space/anywhere ") + sentence;
+    const QString hebrew = QStringLiteral("\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd ").repeated(9);
+    for (const QString& words : {sentence, mixed, hebrew}) {
+        for (const Qt::Alignment side : {Qt::AlignLeft, Qt::AlignHCenter}) {
+            Paragraph text(words);
+            text.setAlignment(side);
+            // Down by one, so that every width where a line breaks anew is met just before and just after.
+            for (int step = 0; step < 700; ++step) {
+                const int width = step < 600 ? 640 - step : 30 + step * 97 % 700;
+                ASSERT_EQ(text.heightForWidth(width), 20 * linesOf(words, text.font(), width)) << width;
+                if (step % 23 != 0) continue;
+                Paragraph fresh(words);
+                fresh.setAlignment(side);
+                text.resize(width, text.heightForWidth(width));
+                fresh.resize(text.size());
+                ASSERT_EQ(text.grab().toImage(), fresh.grab().toImage()) << width;
+            }
+        }
+    }
 }
 
 TEST_F(Layout, AParagraphPaintsNothingOutsideItsHeight) {
@@ -64,6 +105,31 @@ TEST_F(Layout, AnElidedLabelTellsTheWholeTextOnlyWhileItIsCut) {
     EXPECT_TRUE(label.isElided());
     EXPECT_EQ(nameOf(&label), label.text()) << "the name stays whole";
     EXPECT_LE(label.minimumSizeHint().width(), 24);
+}
+
+TEST_F(Layout, ALineIsPaintedWholeInItsOwnWidthAndShortenedInLess) {
+    const QFont font = fontOf(TypeRole::Control);
+    const auto inked = [&](const QString& text, int width, Qt::TextElideMode elide) {
+        QImage image(400, 20, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setFont(font);
+        paintText(painter, QRectF(0, 0, width, 20), Qt::AlignVCenter, text, elide);
+        painter.end();
+        return image;
+    };
+    for (const QString& text :
+         {QStringLiteral("Open project"), QStringLiteral("R&D & <b>more</b>"), QStringLiteral("two\nlines"),
+          QStringLiteral("e\u0301 \u6f22\u5b57 \u05e9\u05dc\u05d5\u05dd")}) {
+        const int width = measureText(font, text);
+        EXPECT_NEAR(width, QFontMetrics(font).horizontalAdvance(QString(text).replace(u'\n', u' ')), 1);
+        EXPECT_EQ(inked(text, width, Qt::ElideRight), inked(text, width, Qt::ElideNone)) << qPrintable(text);
+        const QImage shortened = inked(text, width * 2 / 3, Qt::ElideRight);
+        EXPECT_NE(shortened, inked(text, width, Qt::ElideNone)) << qPrintable(text);
+        for (int x = width * 2 / 3 + 1; x < shortened.width(); ++x)
+            ASSERT_EQ(shortened.pixelColor(x, 10), QColor(Qt::white)) << qPrintable(text);
+    }
+    EXPECT_EQ(measureText(font, QString()), 0);
 }
 
 TEST_F(Layout, TooltipsShowMarkupAsItStands) {

@@ -63,6 +63,18 @@ TEST_F(Symbols, AreDrawnInTheColorAndScaleAskedFor) {
     EXPECT_NEAR(faint.toImage().pixelColor(16, 16).alpha(), 128, 1);
 }
 
+TEST_F(Symbols, OneThatIsPreparedMeanwhileIsTheSameDrawing) {
+    if (!builtWithIcons) GTEST_SKIP() << "built with ORVO_ICONS off";
+    // Sizes that no other test asks for, so that each is drawn here, by either thread.
+    for (int size = 41; size < 57; ++size) {
+        prepareSymbol(QStringLiteral("folder"), size);
+        const QImage prepared = symbolPixmap(QStringLiteral("folder"), Qt::white, size, 1).toImage();
+        EXPECT_GT(inked(QPixmap::fromImage(prepared)), 2 * size);
+        const QString unknown = QStringLiteral("no.such.symbol");
+        EXPECT_NE(prepared, symbolPixmap(unknown, Qt::white, size, 1).toImage());
+    }
+}
+
 TEST_F(Symbols, AConnectorsColourGivesWayOnlyWhereItWouldNotBeSeen) {
     for (const ThemePreset& preset : ThemePreset::all()) {
         theme.apply(preset);

@@ -2,6 +2,7 @@
 
 #include "appearance/controls/Card.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -15,6 +16,7 @@ constexpr int cardHeight = 56;
 constexpr int describedCardHeight = 68;
 constexpr int padding = 16;
 constexpr int tile = 28;
+constexpr int glyph = 16;
 constexpr int gap = 12;
 
 }  // namespace
@@ -24,11 +26,12 @@ ActionCard::ActionCard(const QString& icon, const QString& title, const QString&
     setAccessibleDescription(description);
     setFont(fontOf(TypeRole::Name));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    prepareSymbol(icon, glyph);
 }
 
 QSize ActionCard::sizeHint() const {
-    const int width = std::max(fontMetrics().horizontalAdvance(title()),
-                               QFontMetrics(fontOf(TypeRole::Caption)).horizontalAdvance(m_description));
+    const int width =
+        std::max(measureText(font(), title()), measureText(fontOf(TypeRole::Caption), m_description));
     return {2 * padding + tile + gap + width, m_description.isEmpty() ? cardHeight : describedCardHeight};
 }
 
@@ -52,12 +55,11 @@ void ActionCard::paintEvent(QPaintEvent*) {
     const int tileTop = (height() - tile) / 2;
     const QRectF tileRect(padding, tileTop, tile, tile);
     fillRounded(painter, tileRect, 8, toQColor(roles.tile));
-    paintSymbol(painter, tileRect, m_icon, toQColor(roles.accent), 16);
+    paintSymbol(painter, tileRect, m_icon, toQColor(roles.accent), glyph);
     QRect line = rect().adjusted(padding + tile + gap, 0, -padding, 0);
     const auto write = [&](const QRect& place, const QString& text, Rgb color) {
         painter.setPen(toQColor(color));
-        painter.drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
-                         painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+        paintText(painter, place, Qt::AlignVCenter, text);
     };
     if (m_description.isEmpty()) {
         write(line, title(), roles.text);

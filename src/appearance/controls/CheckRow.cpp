@@ -1,6 +1,7 @@
 #include "appearance/controls/CheckRow.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -24,6 +25,7 @@ CheckRow::CheckRow(const QString& icon, Rgb color, const QString& name, QWidget*
     setFont(fontOf(TypeRole::Control));
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::toggled, this, &CheckRow::report);
+    prepareSymbol(icon, box);
 }
 
 void CheckRow::setState(bool ready, bool on) {
@@ -47,7 +49,7 @@ void CheckRow::report(bool on) {
 }
 
 QSize CheckRow::sizeHint() const {
-    return {2 * padding + 2 * box + 2 * gap + fontMetrics().horizontalAdvance(title()), 32};
+    return {2 * padding + 2 * box + 2 * gap + measureText(font(), title()), 32};
 }
 
 QSize CheckRow::minimumSizeHint() const {
@@ -77,8 +79,7 @@ void CheckRow::paintEvent(QPaintEvent*) {
                 toQColor(m_ready ? symbolColor(m_color, roles) : roles.muted), box);
     painter.setPen(toQColor(m_ready ? roles.text : roles.muted));
     const QRect text = rect().adjusted(iconX + box + gap, 0, -padding, 0);
-    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+    paintText(painter, text, Qt::AlignVCenter, title());
 }
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #include "appearance/controls/Disclosure.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -27,7 +28,7 @@ Disclosure::Disclosure(const QString& title, QWidget* parent)
 }
 
 QSize Disclosure::sizeHint() const {
-    return {2 * padding + chevron + gap + fontMetrics().horizontalAdvance(title()), rowHeight};
+    return {2 * padding + chevron + gap + measureText(font(), title()), rowHeight};
 }
 
 void Disclosure::checkStateSet() {
@@ -52,8 +53,7 @@ void Disclosure::paintEvent(QPaintEvent*) {
                 QStringLiteral("chevron.right"), toQColor(roles.muted), chevron);
     painter.restore();
     painter.setPen(toQColor(roles.text));
-    painter.drawText(rect().adjusted(padding + chevron + gap, 0, -padding, 0),
-                     Qt::AlignVCenter | Qt::TextSingleLine, title());
+    paintText(painter, rect().adjusted(padding + chevron + gap, 0, -padding, 0), Qt::AlignVCenter, title());
 }
 
 }  // namespace orvo

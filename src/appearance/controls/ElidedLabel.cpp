@@ -1,10 +1,9 @@
 #include "appearance/controls/ElidedLabel.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 
 #include <QHelpEvent>
-#include <QPainter>
-#include <QStyle>
 #include <QToolTip>
 
 namespace orvo {
@@ -18,7 +17,7 @@ void ElidedLabel::setElideMode(Qt::TextElideMode mode) {
 }
 
 bool ElidedLabel::isElided() const {
-    return fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+    return measureText(font(), text()) > contentsRect().width();
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
@@ -39,11 +38,7 @@ bool ElidedLabel::event(QEvent* event) {
 }
 
 void ElidedLabel::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    const QRect area = contentsRect();
-    style()->drawItemText(&painter, area, static_cast<int>(alignment() | Qt::AlignVCenter), palette(),
-                          isEnabled(), fontMetrics().elidedText(text(), m_mode, area.width()),
-                          foregroundRole());
+    paintLine(m_mode);
 }
 
 }  // namespace orvo

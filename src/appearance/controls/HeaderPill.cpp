@@ -1,6 +1,7 @@
 #include "appearance/controls/HeaderPill.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -21,11 +22,12 @@ HeaderPill::HeaderPill(const QString& icon, const QString& text, QWidget* parent
     setFont(fontOf(TypeRole::Caption));
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    prepareSymbol(icon, glyph);
 }
 
 QSize HeaderPill::sizeHint() const {
     const int iconWidth = m_icon.isEmpty() ? 0 : glyph + gap;
-    return {2 * padding + iconWidth + fontMetrics().horizontalAdvance(m_text), m_icon.isEmpty() ? 22 : 24};
+    return {2 * padding + iconWidth + measureText(font(), m_text), m_icon.isEmpty() ? 22 : 24};
 }
 
 void HeaderPill::paintEvent(QPaintEvent*) {
@@ -38,7 +40,7 @@ void HeaderPill::paintEvent(QPaintEvent*) {
         x += glyph + gap;
     }
     painter.setPen(toQColor(roles.muted));
-    painter.drawText(rect().adjusted(x, 0, 0, 0), Qt::AlignVCenter | Qt::TextSingleLine, m_text);
+    paintText(painter, rect().adjusted(x, 0, 0, 0), Qt::AlignVCenter, m_text);
 }
 
 }  // namespace orvo

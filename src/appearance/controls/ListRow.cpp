@@ -1,6 +1,7 @@
 #include "appearance/controls/ListRow.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 
@@ -22,7 +23,7 @@ ListRow::ListRow(const QString& text, QWidget* parent) : Pressable(text, parent)
 
 bool ListRow::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        if (fontMetrics().horizontalAdvance(title()) > width() - 2 * padding) {
+        if (measureText(font(), title()) > width() - 2 * padding) {
             QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(title()), this);
         }
         return true;
@@ -40,8 +41,7 @@ void ListRow::paintEvent(QPaintEvent*) {
     if (isFocusVisible()) strokeRing(painter, rect(), 8, toQColor(roles.accent));
     painter.setPen(blended(toQColor(roles.muted), toQColor(roles.text), hover()));
     const QRect text = rect().adjusted(padding, 0, -padding, 0);
-    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+    paintText(painter, text, Qt::AlignVCenter, title());
 }
 
 }  // namespace orvo

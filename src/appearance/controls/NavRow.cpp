@@ -1,6 +1,7 @@
 #include "appearance/controls/NavRow.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -24,6 +25,7 @@ NavRow::NavRow(const QString& icon, const QString& text, QWidget* parent)
     : Pressable(text, parent), m_icon(icon) {
     setFont(fontOf(TypeRole::Control));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    prepareSymbol(icon, glyph);
 }
 
 void NavRow::setCurrent(bool current) {
@@ -70,13 +72,13 @@ void NavRow::paintEvent(QPaintEvent*) {
     if (m_count > 0) {
         const QString number = QString::number(m_count);
         const QFont badgeFont = fontOf(TypeRole::Badge);
-        const int width = std::max(badgeHeight, QFontMetrics(badgeFont).horizontalAdvance(number) + 12);
+        const int width = std::max(badgeHeight, measureText(badgeFont, number) + 12);
         const QRect badge(rect().right() + 1 - padding + 2 - width, (height() - badgeHeight) / 2, width,
                           badgeHeight);
         fillRounded(painter, badge, badgeHeight / 2.0, toQColor(roles.countBadge));
         painter.setFont(badgeFont);
         painter.setPen(toQColor(roles.text));
-        painter.drawText(badge, Qt::AlignCenter, number);
+        paintText(painter, badge, Qt::AlignCenter, number);
         painter.setFont(font());
         text.setRight(badge.left() - 8);
         if (m_wanted) {
@@ -87,8 +89,7 @@ void NavRow::paintEvent(QPaintEvent*) {
         }
     }
     painter.setPen(ink);
-    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+    paintText(painter, text, Qt::AlignVCenter, title());
 }
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #include "appearance/controls/OrvoButton.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -41,6 +42,7 @@ OrvoButton::OrvoButton(const QString& title, const QString& icon, Kind kind, Siz
     : Pressable(title, parent), m_icon(icon), m_kind(kind), m_size(size) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     adoptKind();
+    prepareSymbol(icon, measuresOf(size).icon);
 }
 
 void OrvoButton::adoptKind() {
@@ -83,7 +85,7 @@ QSize OrvoButton::sizeHint() const {
     if (m_kind == Kind::MenuOutlined) return {2 * m.padding + m.icon + chevronGap + chevron, m.height};
     if (isSquare()) return {m.height, m.height};
     const int padding = isBare() ? 0 : m.padding;
-    int width = 2 * padding + fontMetrics().horizontalAdvance(title());
+    int width = 2 * padding + measureText(font(), title());
     if (!m_icon.isEmpty()) width += m.icon + m.gap;
     return {width, m.height};
 }
@@ -173,7 +175,7 @@ void OrvoButton::paintEvent(QPaintEvent*) {
         paintSymbol(painter, rect(), m_icon, iconInkNow(), m.icon);
         return;
     }
-    const int textWidth = fontMetrics().horizontalAdvance(title());
+    const int textWidth = measureText(font(), title());
     const int iconWidth = m_icon.isEmpty() ? 0 : m.icon + m.gap;
     int x = (width() - textWidth - iconWidth) / 2;
     if (!m_icon.isEmpty()) {
@@ -181,7 +183,7 @@ void OrvoButton::paintEvent(QPaintEvent*) {
         x += iconWidth;
     }
     painter.setPen(inkNow());
-    painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::TextSingleLine, title());
+    paintText(painter, QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter, title(), Qt::ElideNone);
 }
 
 }  // namespace orvo

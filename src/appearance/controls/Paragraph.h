@@ -36,14 +36,29 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// Breaks the text to `width` and gives the number of lines.
-    int layOut(int width) const;
+    /// Every width from `narrowest` to `widest` breaks the text at the same places.
+    struct Breaks {
+        int narrowest;
+        int widest;
+        int lines;
+
+        bool holdFor(int width) const { return width >= narrowest && width <= widest; }
+    };
+
+    /// Shapes the text and breaks it to `width`.
+    Breaks breakTo(int width) const;
+    int linesAt(int width) const;
+    /// Makes the layout what is painted at the widget's width.
+    void layOut() const;
     void refreshLayout();
 
     QString m_text;
-    /// Keeps the shaped glyphs: a page asks for the height at many widths, and shaping is what costs.
     mutable QTextLayout m_layout;
-    mutable int m_brokenTo = -1;
+    /// The width that the layout was broken to; 0 for none.
+    mutable int m_brokenTo = 0;
+    /// What is known of the text, the layout's own last: a page asks for the height at many widths, and
+    /// shaping, which every breaking does anew, is what costs.
+    mutable QList<Breaks> m_breaks;
     TypeRole m_type;
     Ink m_ink;
     Qt::Alignment m_alignment = Qt::AlignLeft;

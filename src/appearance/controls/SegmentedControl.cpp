@@ -2,6 +2,7 @@
 
 #include "appearance/controls/OrvoStyle.h"
 #include "appearance/controls/Pressable.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 
@@ -24,7 +25,7 @@ public:
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
 
-    QSize sizeHint() const override { return {20 + fontMetrics().horizontalAdvance(title()), 24}; }
+    QSize sizeHint() const override { return {20 + measureText(font(), title()), 24}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
@@ -50,7 +51,7 @@ protected:
         }
         const QColor on = toQColor(roles.text);
         painter.setPen(isChecked() ? on : blended(toQColor(roles.muted), on, hover()));
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, title());
+        paintText(painter, rect(), Qt::AlignCenter, title());
     }
 };
 

@@ -1,6 +1,7 @@
 #include "appearance/controls/SessionTab.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -61,7 +62,7 @@ void SessionTab::paintMark(QPainter& painter) const {
 }
 
 QSize SessionTab::sizeHint() const {
-    const int natural = 2 * padding + glyph + gap + fontMetrics().horizontalAdvance(title()) + 1;
+    const int natural = 2 * padding + glyph + gap + measureText(font(), title()) + 1;
     return {std::min(natural, widest), tabHeight};
 }
 
@@ -75,7 +76,7 @@ QRect SessionTab::textRect() const {
 
 bool SessionTab::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        if (fontMetrics().horizontalAdvance(title()) > textRect().width()) {
+        if (measureText(font(), title()) > textRect().width()) {
             QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(title()), this);
         }
         return true;
@@ -101,8 +102,7 @@ void SessionTab::paintEvent(QPaintEvent*) {
     painter.setPen(m_current ? toQColor(roles.text)
                              : blended(toQColor(roles.muted), toQColor(roles.text), hover()));
     const QRect text = textRect();
-    painter.drawText(text, Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(title(), Qt::ElideRight, text.width()));
+    paintText(painter, text, Qt::AlignVCenter, title());
 }
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #include "appearance/controls/StatusPill.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/typography.h"
 
 #include <QPainter>
@@ -45,7 +46,7 @@ void StatusPill::setStatus(const QString& title, Ink color) {
 }
 
 QSize StatusPill::sizeHint() const {
-    return {2 * padding + dot + gap + fontMetrics().horizontalAdvance(m_title), pillHeight};
+    return {2 * padding + dot + gap + measureText(font(), m_title), pillHeight};
 }
 
 void StatusPill::paintEvent(QPaintEvent*) {
@@ -59,8 +60,7 @@ void StatusPill::paintEvent(QPaintEvent*) {
     painter.setBrush(toQColor(color));
     painter.drawEllipse(QRectF(padding, (height() - dot) / 2.0, dot, dot));
     painter.setPen(toQColor(color));
-    painter.drawText(rect().adjusted(padding + dot + gap, 0, 0, 0), Qt::AlignVCenter | Qt::TextSingleLine,
-                     m_title);
+    paintText(painter, rect().adjusted(padding + dot + gap, 0, 0, 0), Qt::AlignVCenter, m_title);
 }
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 #include "appearance/controls/Switch.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 
@@ -23,7 +24,7 @@ Switch::Switch(const QString& title, QWidget* parent) : Pressable(title, parent)
 }
 
 QSize Switch::sizeHint() const {
-    const int label = title().isEmpty() ? 0 : fontMetrics().horizontalAdvance(title()) + gap;
+    const int label = title().isEmpty() ? 0 : measureText(font(), title()) + gap;
     return {label + trackWidth, 32};
 }
 
@@ -43,8 +44,7 @@ void Switch::paintEvent(QPaintEvent*) {
     painter.setOpacity(controlOpacity());
     if (!title().isEmpty()) {
         painter.setPen(toQColor(roles.text));
-        painter.drawText(rect().adjusted(0, 0, -trackWidth - gap, 0), Qt::AlignVCenter | Qt::TextSingleLine,
-                         title());
+        paintText(painter, rect().adjusted(0, 0, -trackWidth - gap, 0), Qt::AlignVCenter, title());
     }
     const QRectF track(width() - trackWidth, (height() - trackHeight) / 2.0, trackWidth, trackHeight);
     const double on = m_position.value();

@@ -10,6 +10,7 @@ namespace orvo {
 Symbol::Symbol(const QString& name, int size, Ink ink, QWidget* parent)
     : QWidget(parent), m_name(name), m_size(size), m_ink(ink) {
     setFixedSize(size, size);
+    prepareSymbol(name, size);
 }
 
 void Symbol::setSymbol(const QString& name, Ink ink) {

@@ -1,5 +1,9 @@
 #include "appearance/controls/TextLabel.h"
 
+#include "appearance/controls/lineText.h"
+
+#include <QPainter>
+
 namespace orvo {
 
 TextLabel::TextLabel(const QString& text, TypeRole type, Ink ink, QWidget* parent)
@@ -34,10 +38,22 @@ void TextLabel::setLineHeight(int height) {
 }
 
 QSize TextLabel::sizeHint() const {
-    return {QLabel::sizeHint().width(), m_lineHeight};
+    const QMargins edges = contentsMargins();
+    return {measureText(font(), text()) + edges.left() + edges.right(), m_lineHeight};
 }
+
 QSize TextLabel::minimumSizeHint() const {
-    return {QLabel::minimumSizeHint().width(), m_lineHeight};
+    return sizeHint();
+}
+
+void TextLabel::paintEvent(QPaintEvent*) {
+    paintLine(Qt::ElideNone);
+}
+
+void TextLabel::paintLine(Qt::TextElideMode elide) {
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    paintText(painter, contentsRect(), alignment() | Qt::AlignVCenter, text(), elide);
 }
 
 }  // namespace orvo

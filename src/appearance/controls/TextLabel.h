@@ -22,6 +22,10 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void paintLine(Qt::TextElideMode elide);
+
 private:
     int m_lineHeight;
 };

@@ -2,6 +2,7 @@
 
 #include "appearance/controls/Card.h"
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -78,13 +79,11 @@ void PaletteTile::paintEvent(QPaintEvent*) {
     const int titleWidth = textWidth - (isChecked() ? markSize + 8 : 0);
     painter.setFont(fontOf(TypeRole::Name));
     painter.setPen(toQColor(roles.text));
-    painter.drawText(QRect(padding, textTop, titleWidth, titleHeight), Qt::AlignVCenter | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(title(), Qt::ElideRight, titleWidth));
+    paintText(painter, QRect(padding, textTop, titleWidth, titleHeight), Qt::AlignVCenter, title());
     painter.setFont(fontOf(TypeRole::Caption));
     painter.setPen(toQColor(roles.muted));
-    painter.drawText(QRect(padding, textTop + titleHeight, textWidth, subtitleHeight),
-                     Qt::AlignVCenter | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(m_preset.subtitle, Qt::ElideRight, textWidth));
+    paintText(painter, QRect(padding, textTop + titleHeight, textWidth, subtitleHeight), Qt::AlignVCenter,
+              m_preset.subtitle);
     if (isChecked()) {
         paintSymbol(painter,
                     QRectF(width() - padding - markSize, textTop + (titleHeight - markSize) / 2.0, markSize,

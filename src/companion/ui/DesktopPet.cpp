@@ -1,6 +1,7 @@
 #include "companion/ui/DesktopPet.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 #include "companion/CompanionModel.h"
@@ -45,8 +46,7 @@ public:
     }
 
     QSize sizeHint() const override {
-        return {2 * capsulePadding + dotSize + dotGap + fontMetrics().horizontalAdvance(m_text),
-                capsuleHeight};
+        return {2 * capsulePadding + dotSize + dotGap + measureText(font(), m_text), capsuleHeight};
     }
 
 protected:
@@ -59,8 +59,8 @@ protected:
         painter.setBrush(inkColor(roles, m_dot));
         painter.drawEllipse(QRectF(capsulePadding, (capsuleHeight - dotSize) / 2.0, dotSize, dotSize));
         painter.setPen(toQColor(roles.text));
-        painter.drawText(rect().adjusted(capsulePadding + dotSize + dotGap, 0, 0, 0), Qt::AlignVCenter,
-                         m_text);
+        paintText(painter, rect().adjusted(capsulePadding + dotSize + dotGap, 0, 0, 0), Qt::AlignVCenter,
+                  m_text);
     }
 
 private:

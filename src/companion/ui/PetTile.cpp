@@ -1,6 +1,7 @@
 #include "companion/ui/PetTile.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -48,7 +49,8 @@ void PetTile::paintEvent(QPaintEvent*) {
     }
     painter.setFont(fontOf(TypeRole::SmallControl));
     painter.setPen(toQColor(roles.text));
-    painter.drawText(QRect(0, height() - bottom - nameHeight, width(), nameHeight), Qt::AlignCenter, title());
+    paintText(painter, QRect(0, height() - bottom - nameHeight, width(), nameHeight), Qt::AlignCenter,
+              title());
     if (isChecked() || isFocusVisible()) {
         strokeRing(painter, rect(), radius,
                    toQColor(isFocusVisible() && isChecked() ? roles.text : roles.accent));

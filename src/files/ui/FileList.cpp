@@ -1,6 +1,7 @@
 #include "files/ui/FileList.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/symbols.h"
 #include "appearance/controls/typography.h"
@@ -48,12 +49,9 @@ public:
                     isFolder ? QStringLiteral("folder") : QStringLiteral("doc.text"),
                     toQColor(isOpen ? roles.accent : roles.muted), iconSize);
         room.setLeft(room.left() + iconSize + iconGap);
-        const QFont font = fontOf(TypeRole::Body);
-        painter->setFont(font);
+        painter->setFont(fontOf(TypeRole::Body));
         painter->setPen(toQColor(roles.text));
-        painter->drawText(
-            room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-            QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideMiddle, room.width()));
+        paintText(*painter, room, Qt::AlignVCenter, index.data().toString(), Qt::ElideMiddle);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "history/ui/HistoryRow.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 
@@ -48,16 +49,15 @@ void HistoryRow::paintEvent(QPaintEvent*) {
                           Qt::Alignment side, int width) {
         painter.setFont(font);
         painter.setPen(toQColor(color));
-        const QString shown =
-            QFontMetrics(font).elidedText(text.left(400).simplified(), Qt::ElideRight, width);
-        painter.drawText(QRect(padding, top, room, height),
-                         static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
+        const int left = side == Qt::AlignRight ? padding + room - width : padding;
+        paintText(painter, QRect(left, top, width, height), side | Qt::AlignVCenter,
+                  text.left(400).simplified());
     };
     QFont connector = fontOf(TypeRole::Badge);
     connector.setPixelSize(connectorPixels);
     const QFont caption = fontOf(TypeRole::Caption);
     const Rgb muted = isCurrent() ? roles.mutedOnSelected : roles.muted;
-    const int exitWidth = QFontMetrics(caption).horizontalAdvance(m_lines.exit);
+    const int exitWidth = measureText(caption, m_lines.exit);
     line(connector, roles.accent, connectorTop, smallLine, m_lines.connector, Qt::AlignLeft, room);
     line(fontOf(TypeRole::Control), roles.text, titleTop, titleLine, m_lines.title, Qt::AlignLeft, room);
     line(caption, muted, dateTop, smallLine, m_lines.date, Qt::AlignLeft, room - exitWidth - padding);

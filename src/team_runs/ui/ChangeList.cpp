@@ -1,6 +1,7 @@
 #include "team_runs/ui/ChangeList.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 #include "appearance/controls/painting.h"
 #include "appearance/controls/typography.h"
 #include "team_runs/ui/CopyReview.h"
@@ -60,19 +61,16 @@ private:
                            const QModelIndex& index, Rgb muted) {
         const QString kind = index.data(ChangeModel::KindRole).toString();
         const QFont small = fontOf(TypeRole::Caption);
-        const int kindWidth = QFontMetrics(small).horizontalAdvance(kind);
+        const int kindWidth = measureText(small, kind);
         const QRect inner = row.adjusted(listPadding + box + gap, 0, -listPadding, 0);
         painter.setFont(small);
         painter.setPen(toQColor(muted));
-        painter.drawText(inner, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, kind);
+        paintText(painter, inner, Qt::AlignRight | Qt::AlignVCenter, kind);
 
-        const QFont font = fontOf(TypeRole::Body);
         const QRect room = inner.adjusted(0, 0, -kindWidth - gap, 0);
-        painter.setFont(font);
+        painter.setFont(fontOf(TypeRole::Body));
         painter.setPen(toQColor(rolesOf(option.widget).text));
-        painter.drawText(
-            room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-            QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideMiddle, room.width()));
+        paintText(painter, room, Qt::AlignVCenter, index.data().toString(), Qt::ElideMiddle);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "workspace/ui/CountBadge.h"
 
 #include "appearance/controls/OrvoStyle.h"
+#include "appearance/controls/lineText.h"
 
 #include <QPainter>
 
@@ -25,7 +26,7 @@ void CountBadge::setCount(qsizetype count) {
 }
 
 QSize CountBadge::sizeHint() const {
-    return {std::max(badgeHeight, fontMetrics().horizontalAdvance(text()) + 2 * padding), badgeHeight};
+    return {std::max(badgeHeight, measureText(font(), text()) + 2 * padding), badgeHeight};
 }
 
 void CountBadge::paintEvent(QPaintEvent* event) {
