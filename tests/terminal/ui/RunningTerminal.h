@@ -59,4 +59,12 @@ struct RunningTerminal {
     TerminalView view{theme};
 };
 
+/// One without a program, whose screen has its size already and shows `text`.
+struct DrawnTerminal : RunningTerminal {
+    explicit DrawnTerminal(std::string_view text) {
+        view.grab();
+        session.screen().feed(text);
+    }
+};
+
 }  // namespace orvo::test

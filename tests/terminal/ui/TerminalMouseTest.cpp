@@ -12,6 +12,7 @@
 namespace orvo {
 namespace {
 
+using test::DrawnTerminal;
 using test::echoing;
 using test::RunningTerminal;
 using test::waitFor;
@@ -40,15 +41,8 @@ std::string selectedText(RunningTerminal& terminal) {
     return terminal.view.selection().text(terminal.session.screen()).toStdString();
 }
 
-struct SelectingTerminal : RunningTerminal {
-    explicit SelectingTerminal(std::string_view text) {
-        view.grab();
-        session.screen().feed(text);
-    }
-};
-
 TEST(TerminalMouse, DraggingSelectsFromEdgeToEdge) {
-    SelectingTerminal terminal("first line\r\nsecond line  \r\nthird");
+    DrawnTerminal terminal("first line\r\nsecond line  \r\nthird");
     TerminalView& view = terminal.view;
     drag(view, placeIn(view, 0, 6, 0.2), placeIn(view, 0, 9, 0.8));
     EXPECT_EQ(selectedText(terminal), "line");
@@ -61,7 +55,7 @@ TEST(TerminalMouse, DraggingSelectsFromEdgeToEdge) {
 }
 
 TEST(TerminalMouse, DoubleAndTripleClicksSelectWordAndLine) {
-    SelectingTerminal terminal("open src/main.cpp:12 (see 世界) now");
+    DrawnTerminal terminal("open src/main.cpp:12 (see 世界) now");
     TerminalView& view = terminal.view;
     QTest::mouseDClick(&view, Qt::LeftButton, Qt::NoModifier, placeIn(view, 0, 9));
     EXPECT_EQ(selectedText(terminal), "src/main.cpp:12");
@@ -74,7 +68,7 @@ TEST(TerminalMouse, DoubleAndTripleClicksSelectWordAndLine) {
 }
 
 TEST(TerminalMouse, AWrappedLineIsOneLine) {
-    SelectingTerminal terminal("");
+    DrawnTerminal terminal("");
     const int columns = terminal.session.screen().columns();
     const std::string text(static_cast<std::size_t>(columns) + 10, 'x');
     terminal.session.screen().feed("a " + text + " b\r\nnext");
@@ -88,7 +82,7 @@ TEST(TerminalMouse, AWrappedLineIsOneLine) {
 }
 
 TEST(TerminalMouse, ASelectionStaysOnItsTextAndGoesWithIt) {
-    SelectingTerminal terminal("keep\r\nlose");
+    DrawnTerminal terminal("keep\r\nlose");
     TerminalView& view = terminal.view;
     view.show();
     const auto feed = [&](const std::string& bytes) {
@@ -113,7 +107,7 @@ TEST(TerminalMouse, ASelectionStaysOnItsTextAndGoesWithIt) {
 }
 
 TEST(TerminalMouse, ASelectionIsPainted) {
-    SelectingTerminal terminal("          ");
+    DrawnTerminal terminal("          ");
     TerminalView& view = terminal.view;
     const auto pixel = [&](int column) {
         return view.grab().toImage().pixel(placeIn(view, 0, column));
@@ -164,7 +158,7 @@ TEST(TerminalMouse, FocusIsToldToThoseWhoAsked) {
 }
 
 TEST(TerminalMouse, ControlClickOpensALink) {
-    SelectingTerminal terminal(
+    DrawnTerminal terminal(
         "see (https://x.org/a?b=1), or \x1b]8;;http://y.org/\x1b\\this\x1b]8;;\x1b\\ or "
         "\x1b]8;;javascript:x\x1b\\that\x1b]8;;\x1b\\");
     TerminalView& view = terminal.view;
@@ -208,7 +202,7 @@ TEST(TerminalMouse, ZoomChangesThisViewAlone) {
 }
 
 TEST(TerminalMouse, AllMatchesAreFoundAlsoAcrossWraps) {
-    SelectingTerminal terminal("");
+    DrawnTerminal terminal("");
     TerminalScreen& screen = terminal.session.screen();
     const std::string filling(static_cast<std::size_t>(screen.columns()) - 2, '.');
     screen.feed("Needle needle\r\n" + filling + "needle\r\n");

@@ -13,6 +13,7 @@
 namespace orvo {
 namespace {
 
+using test::DrawnTerminal;
 using test::echoing;
 using test::RunningTerminal;
 using test::waitFor;
@@ -79,10 +80,8 @@ TEST(TerminalPainting, TheSessionGetsTheSizeThatFits) {
 }
 
 TEST(TerminalPainting, CellsFillTheirRectangleWithTheirColours) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
     // Row 0: inverse without colours, then a red and a green background, then inverse of a background.
-    terminal.session.screen().feed("\x1b[7m  \x1b[0m\x1b[48;2;200;0;0m  \x1b[48;2;0;200;0m  \x1b[7m  ");
+    DrawnTerminal terminal("\x1b[7m  \x1b[0m\x1b[48;2;200;0;0m  \x1b[48;2;0;200;0m  \x1b[7m  ");
     const QImage image = imageOf(terminal.view);
     const auto at = [&](int column) {
         return image.pixel(terminal.view.geometryOfCells().cell(0, column).center().toPoint());
@@ -104,10 +103,8 @@ TEST(TerminalPainting, CellsFillTheirRectangleWithTheirColours) {
 }
 
 TEST(TerminalPainting, InverseTextIsDrawnInTheBackgroundColour) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
     // A full block shows the text colour all over its cell.
-    terminal.session.screen().feed("\x1b[7m█\x1b[0m█\x1b[48;2;9;9;9;7m█");
+    DrawnTerminal terminal("\x1b[7m█\x1b[0m█\x1b[48;2;9;9;9;7m█");
     const QImage image = imageOf(terminal.view);
     const auto at = [&](int column) {
         return image.pixel(terminal.view.geometryOfCells().cell(0, column).center().toPoint());
@@ -118,9 +115,7 @@ TEST(TerminalPainting, InverseTextIsDrawnInTheBackgroundColour) {
 }
 
 TEST(TerminalPainting, LigaturesNeverForm) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
-    terminal.session.screen().feed("=>\r\n= \r\n >\r\n!=\r\n! \r\n =");
+    DrawnTerminal terminal("=>\r\n= \r\n >\r\n!=\r\n! \r\n =");
     const QImage image = imageOf(terminal.view);
     for (const int row : {0, 3}) {
         EXPECT_EQ(cellOf(terminal.view, image, row, 0).convertToFormat(QImage::Format_Mono),
@@ -131,9 +126,7 @@ TEST(TerminalPainting, LigaturesNeverForm) {
 }
 
 TEST(TerminalPainting, BoxLinesJoinWithoutGaps) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
-    terminal.session.screen().feed("┌────────────┐\r\n│            │\r\n╞════════════╡\r\n╰────────────╯");
+    DrawnTerminal terminal("┌────────────┐\r\n│            │\r\n╞════════════╡\r\n╰────────────╯");
     const QImage image = imageOf(terminal.view);
     const CellGeometry& cells = terminal.view.geometryOfCells();
     const auto runs = [&](QPoint from, QPoint step, int length) {
@@ -154,9 +147,7 @@ TEST(TerminalPainting, BoxLinesJoinWithoutGaps) {
 }
 
 TEST(TerminalPainting, ScanLinesAreAtTheirHeights) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
-    terminal.session.screen().feed("\x1B(0opqrs");
+    DrawnTerminal terminal("\x1B(0opqrs");
     const QImage image = imageOf(terminal.view);
     const CellGeometry& cells = terminal.view.geometryOfCells();
     std::vector<int> heights;
@@ -175,10 +166,8 @@ TEST(TerminalPainting, ScanLinesAreAtTheirHeights) {
 }
 
 TEST(TerminalPainting, BrailleDotsAreAtTheirPlaces) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
     // One dot each, from bit 0 to bit 7, with a blank between them.
-    terminal.session.screen().feed("⠁ ⠂ ⠄ ⠈ ⠐ ⠠ ⡀ ⢀");
+    DrawnTerminal terminal("⠁ ⠂ ⠄ ⠈ ⠐ ⠠ ⡀ ⢀");
     const QImage image = imageOf(terminal.view);
     constexpr std::pair<int, int> places[] = {{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 1}, {1, 2}, {0, 3}, {1, 3}};
     for (int dot = 0; dot < 8; ++dot) {
@@ -197,9 +186,7 @@ TEST(TerminalPainting, BrailleDotsAreAtTheirPlaces) {
 }
 
 TEST(TerminalPainting, WideCharactersStayInTheirTwoCells) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
-    terminal.session.screen().feed(" 世😀 ");
+    DrawnTerminal terminal(" 世😀 ");
     const QImage image = imageOf(terminal.view);
     const CellGeometry& cells = terminal.view.geometryOfCells();
     bool coloured = false;
@@ -321,9 +308,7 @@ TEST(TerminalPainting, TheCursorIsOnlyOnALiveScreenThatShowsIt) {
 }
 
 TEST(TerminalPainting, ScrolledBackTheViewShowsHistoryAndItsLabel) {
-    RunningTerminal terminal;
-    imageOf(terminal.view);
-    terminal.session.screen().feed("\x1b[48;2;200;0;0m          \x1b[0m");
+    DrawnTerminal terminal("\x1b[48;2;200;0;0m          \x1b[0m");
     terminal.fillHistory(30);
     const auto topPixel = [&] {
         return imageOf(terminal.view).pixel(30, CellGeometry::marginY + 9);
