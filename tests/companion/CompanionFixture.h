@@ -19,11 +19,12 @@ class CompanionFixture : public testing::Test {
 protected:
     static QString text(const char* utf8) { return QString::fromUtf8(utf8); }
 
-    CompanionServices services() {
+    CompanionServices services() { return services(m_images); }
+    CompanionServices services(const ImageDecoder& images) {
         return {.preferences = &m_preferences,
                 .clock = m_clock,
                 .dialogs = m_dialogs,
-                .images = m_images,
+                .images = images,
                 .microphone = m_microphone,
                 .recognition = m_recognition,
                 .synthesizer = m_synthesizer,

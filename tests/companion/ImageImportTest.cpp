@@ -11,18 +11,6 @@ namespace {
 /// The companion with the real reader of pictures.
 class ImageImportTest : public CompanionFixture {
 protected:
-    CompanionServices realServices() {
-        const CompanionServices fakes = services();
-        return {.preferences = fakes.preferences,
-                .clock = fakes.clock,
-                .dialogs = fakes.dialogs,
-                .images = m_decoder,
-                .microphone = fakes.microphone,
-                .recognition = fakes.recognition,
-                .synthesizer = fakes.synthesizer,
-                .builtInPet = fakes.builtInPet,
-                .locale = fakes.locale};
-    }
     static QByteArray png(const QImage& image) {
         QBuffer buffer;
         EXPECT_TRUE(buffer.open(QIODevice::WriteOnly));
@@ -40,17 +28,17 @@ protected:
 
 TEST_F(ImageImportTest, APictureIsShownAndSurvivesARestart) {
     {
-        CompanionModel model(realServices());
+        CompanionModel model(services(m_decoder));
         ASSERT_TRUE(model.loadCustomImage(write(png(blue(40, 20)))));
         EXPECT_EQ(QtImage::of(model.displayedImage().get()).size(), QSize(40, 20));
     }
-    CompanionModel model(realServices());
+    CompanionModel model(services(m_decoder));
     EXPECT_EQ(model.appearance(), text("custom"));
     EXPECT_EQ(QtImage::of(model.displayedImage().get()).pixelColor(3, 3), QColor(Qt::blue));
 }
 
 TEST_F(ImageImportTest, WhatIsRefusedNamesItsReasonAndChangesNothing) {
-    CompanionModel model(realServices());
+    CompanionModel model(services(m_decoder));
     const auto expectRefused = [this, &model](const QByteArray& bytes, const char* message) {
         const Result<void> loaded = model.loadCustomImage(write(bytes));
         ASSERT_FALSE(loaded);

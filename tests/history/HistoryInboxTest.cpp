@@ -2,6 +2,7 @@
 
 #include "history/sampleEntry.h"
 #include "platform/TemporaryFolder.h"
+#include "support/FileSizeLimit.h"
 
 #include <gtest/gtest.h>
 
@@ -9,12 +10,10 @@
 #include <QProcess>
 
 #include <cerrno>
-#include <csignal>
 #include <map>
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -75,14 +74,10 @@ TEST_F(HistoryInboxTest, aLineCutOffByAKillSpoilsNoOther) {
 TEST_F(HistoryInboxTest, anEntryThatDoesNotFitIsNotAddedInPart) {
     ASSERT_TRUE(m_inbox.append(sampleEntry(QStringLiteral("a"))));
     const QByteArray before = readFile(m_inbox.file());
-    rlimit limits{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limits), 0);
-    const rlimit small{static_cast<rlim_t>(before.size()) + 100, limits.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const Result<void> added = m_inbox.append(sampleEntry(QStringLiteral("b")));
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limits), 0);
-    std::signal(SIGXFSZ, handler);
+    const auto added = [&] {
+        const test::FileSizeLimit limit(static_cast<rlim_t>(before.size()) + 100);
+        return m_inbox.append(sampleEntry(QStringLiteral("b")));
+    }();
     ASSERT_FALSE(added);
     EXPECT_EQ(added.error().code, EFBIG);
     EXPECT_EQ(readFile(m_inbox.file()), before);

@@ -1,6 +1,7 @@
 #include "platform/linux/FilePreferences.h"
 
 #include "platform/TemporaryFolder.h"
+#include "support/FileSizeLimit.h"
 #include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
@@ -10,10 +11,8 @@
 #include <QRandomGenerator>
 
 #include <cmath>
-#include <csignal>
 #include <limits>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -207,14 +206,10 @@ TEST(FilePreferences, aFullDiskLeavesTheStoredValueAndNoTemporary) {
     const TemporaryFolder folder;
     FilePreferences preferences(folder.path(), Access::ReadWrite);
     ASSERT_TRUE(preferences.setValue(preference::history, QByteArray("[\"old\"]")));
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit small{64, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const Result<void> stored = preferences.setValue(preference::history, QByteArray(1000, 'n'));
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, handler);
+    const auto stored = [&] {
+        const test::FileSizeLimit limit(64);
+        return preferences.setValue(preference::history, QByteArray(1000, 'n'));
+    }();
     EXPECT_FALSE(stored);
     EXPECT_EQ(preferences.value(preference::history), QByteArray(1000, 'n'));
     EXPECT_EQ(readFile(folder.child("history.data")), "[\"old\"]");

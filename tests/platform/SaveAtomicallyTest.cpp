@@ -2,6 +2,7 @@
 
 #include "platform/FileDescriptor.h"
 #include "platform/TemporaryFolder.h"
+#include "support/FileSizeLimit.h"
 #include "support/WaitFor.h"
 
 #include <gtest/gtest.h>
@@ -11,11 +12,9 @@
 #include <QStandardPaths>
 
 #include <cerrno>
-#include <csignal>
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -139,14 +138,10 @@ TEST(SaveAtomically, aFileThatMayNotBeWrittenIsNotReplaced) {
 TEST(SaveAtomically, aFileThatCannotGrowLeavesTheOldOneAndNoTemporary) {
     const TemporaryFolder folder;
     writeFile(folder.child("f"), "old");
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit small{1000, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const Result<void> saved = saveAtomically(folder.child("f"), QByteArray(100'000, 'x'));
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, handler);
+    const auto saved = [&] {
+        const test::FileSizeLimit limit(1000);
+        return saveAtomically(folder.child("f"), QByteArray(100'000, 'x'));
+    }();
     ASSERT_FALSE(saved);
     EXPECT_EQ(saved.error().code, EFBIG);
     EXPECT_EQ(readFile(folder.child("f")), "old");

@@ -52,5 +52,14 @@ TEST_F(AppearanceViewTest, SetsTheTextSizeInWholePointsWithinItsRange) {
     EXPECT_EQ(slider().value(), 12);
 }
 
+TEST_F(AppearanceViewTest, TheSwitchOfTheSettingsFollowsTheModel) {
+    workspace().setDestination(Destination::Settings);
+    auto* const awake = find<QAbstractButton>(screen(), text("Keep Mac awake while Orvo tasks run"));
+    workspace().setKeepAwake(true);
+    EXPECT_TRUE(awake->isChecked());
+    workspace().setKeepAwake(false);
+    EXPECT_FALSE(awake->isChecked());
+}
+
 }  // namespace
 }  // namespace orvo::test
