@@ -247,22 +247,23 @@ def projects(walk):
     walk.press("harbor notes", shows="Workspace opened: harbor notes")
 
 
+def terminal_that_asks_for_the_clipboard(walk):
+    walk.press("New terminal")
+    (terminal,) = wait_for("the terminal", lambda: walk.program.all("terminal"))
+    walk.program.click(terminal)
+    type_text("printf 'low\\nhigh\\nlow\\n'; printf '\\033]52;c;bW9vbg==\\a'")
+    press_key("Return")
+    return terminal
+
+
 def deck(walk):
     walk.go("Workspace")
-    walk.press("New terminal")
-    (terminal,) = wait_for("the terminal", lambda: walk.program.all("terminal"))
+    terminal = terminal_that_asks_for_the_clipboard(walk)
     walk.show_texts("Live sessions", "Layout", "1", "Running")
     walk.use(terminal.get_name(), "terminal")
-    walk.program.click(terminal)
-    type_text("printf 'low\\nhigh\\nlow\\n'; printf '\\033]52;c;bW9vbg==\\a'")
-    press_key("Return")
     walk.press("Don't allow", shows=lambda: not walk.program.all("push button", "Don't allow"))
     stop_and_close(walk, "Terminal session")
-    walk.press("New terminal")
-    (terminal,) = wait_for("the terminal", lambda: walk.program.all("terminal"))
-    walk.program.click(terminal)
-    type_text("printf 'low\\nhigh\\nlow\\n'; printf '\\033]52;c;bW9vbg==\\a'")
-    press_key("Return")
+    terminal = terminal_that_asks_for_the_clipboard(walk)
     walk.press("Allow in this session", shows=lambda: clipboard() == "moon")
 
     walk.program.click(terminal)
