@@ -155,7 +155,7 @@ private:
             equal = sameContent(before->file.number(), after->file.number(), pair.before->size);
         if (!equal) return tl::unexpected<int>(equal.error());
         if (*equal && before->mode == after->mode) return std::nullopt;
-        auto digits = *equal ? hashDescriptor(before->file.number(), m_stop).map([](QByteArray same) {
+        auto digits = *equal ? hashDescriptor(before->file.number(), m_stop).map([](const QByteArray& same) {
             return std::pair(same, same);
         })
                              : hashDescriptors(before->file.number(), after->file.number(), m_stop);
