@@ -46,7 +46,7 @@ class InstalledTree(unittest.TestCase):
     def test_nothing_of_the_build_is_installed(self):
         self.assertEqual(sorted(path.name for path in self.prefix.iterdir()), ["bin", "lib", "share"])
         self.assertEqual(sorted(str(path.relative_to(self.prefix)) for path in (self.prefix / "lib").rglob("*.so")),
-                         [f"lib/orvo-ai/orvo_{name}.so" for name in ("desktop", "hashes", "pictures", "voice")])
+                         [f"lib/orvo-ai/orvo_{name}.so" for name in ("desktop", "hashes", "pictures", "sleep", "voice")])
         self.assertEqual(sorted(path.name for path in (self.prefix / "bin").iterdir()), ["orvo", "orvoctl"])
         for path in self.prefix.rglob("*"):
             self.assertFalse(path.is_symlink(), f"{path} points out of the tree")
