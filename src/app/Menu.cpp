@@ -54,12 +54,10 @@ void createMenu(QMenuBar& bar, OrvoApplication& application) {
             [app] { app->showSettings(); });
     QAction& stopAudio =
         addItem(main, QT_TR_NOOP("Stop microphone && audio"), {}, application, [app] { app->stopAudio(); });
-    // The status item has it, where the desktop shows status items.
-    const auto adopt = [&stopAudio] {
-        stopAudio.setVisible(!QSystemTrayIcon::isSystemTrayAvailable());
-    };
-    QObject::connect(&main, &QMenu::aboutToShow, &stopAudio, adopt);
-    adopt();
+    // The status item has it, where the desktop shows status items. Asked late: the desktop takes its time to
+    // say.
+    QObject::connect(&main, &QMenu::aboutToShow, &stopAudio,
+                     [&stopAudio] { stopAudio.setVisible(!QSystemTrayIcon::isSystemTrayAvailable()); });
     main.addSeparator();
     addItem(main, QT_TR_NOOP("Hide Orvo AI"), Qt::CTRL | Qt::Key_H, application, [app] { app->hide(); });
     main.addSeparator();

@@ -3,6 +3,7 @@
 #include "appearance/controls/HeroArt.h"
 #include "appearance/controls/OrvoMark.h"
 
+#include <QFontDatabase>
 #include <QPainterPath>
 
 #include <fontconfig/fontconfig.h>
@@ -23,5 +24,10 @@ StartAhead::StartAhead()
           HeroArt::prepare();
           (void)brand::ring();
       })) {}
+
+void StartAhead::continueWithApplication() {
+    // The first question fills Qt's font database, which it guards with a lock of its own.
+    m_families = std::async(policy, [] { (void)QFontDatabase::families(); });
+}
 
 }  // namespace orvo

@@ -11,8 +11,12 @@ class StartAhead {
 public:
     StartAhead();
 
+    /// Goes on with what needs the application object: the families of fonts. Called once it is there.
+    void continueWithApplication();
+
 private:
     std::future<void> m_done;
+    std::future<void> m_families;
 };
 
 }  // namespace orvo
