@@ -3,12 +3,10 @@
 #include "platform/loadModule.h"
 #include "team_runs/Digest.h"
 #include "team_runs/FileMap.h"
-#include "team_runs/ProcessorDigest.h"
 #include "team_runs/runError.h"
 
 #include <QCryptographicHash>
 
-#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <thread>
@@ -19,10 +17,10 @@ namespace orvo::RunFiles {
 namespace {
 
 constexpr size_t bufferSize = 128 << 10;
-// From here on a thread costs less than it saves: 4 MB take at least 2 ms to hash.
+// From here on a thread costs less than it saves: 4 MB take 2 ms to hash.
 constexpr qint64 largeFile = 4 << 20;
 
-/// What stands in when the module is missing too: the same digits, eight times as slowly.
+/// What stands in when the module is missing: the same digits, eight times as slowly.
 class QtDigest final : public Digest {
 public:
     void add(const char* data, size_t size) override {
@@ -39,54 +37,9 @@ private:
 };
 
 std::unique_ptr<Digest> makeDigest() {
-    if (ProcessorDigest::isAvailable()) return std::make_unique<ProcessorDigest>();
     static const auto make = reinterpret_cast<DigestFunction>(loadModule("orvo_hashes", digestSymbol));
     if (make) return std::unique_ptr<Digest>(make());
     return std::make_unique<QtDigest>();
-}
-
-using Digits = SystemResult<std::pair<QByteArray, QByteArray>>;
-
-Digits hashTogether(int first, int second, const std::stop_token& stop) {
-    if (lseek(first, 0, SEEK_SET) != 0 || lseek(second, 0, SEEK_SET) != 0) return tl::unexpected<int>(errno);
-    ProcessorDigest firstDigest;
-    ProcessorDigest secondDigest;
-    const auto buffer = std::make_unique_for_overwrite<char[]>(2 * bufferSize);
-    char* const secondBuffer = buffer.get() + bufferSize;
-    qint64 total = 0;
-    while (true) {
-        if (stop.stop_requested()) return tl::unexpected<int>(ECANCELED);
-        const auto firstCount = readFully(first, buffer.get(), bufferSize);
-        if (!firstCount) return tl::unexpected<int>(firstCount.error());
-        const auto secondCount = readFully(second, secondBuffer, bufferSize);
-        if (!secondCount) return tl::unexpected<int>(secondCount.error());
-        ProcessorDigest::addToBoth(firstDigest, buffer.get(), *firstCount, secondDigest, secondBuffer,
-                                   *secondCount);
-        const size_t longer = std::max(*firstCount, *secondCount);
-        total += static_cast<qint64>(longer);
-        // As with one alone.
-        if (total > maximumBytes) return tl::unexpected<int>(EFBIG);
-        if (longer < bufferSize) return std::pair(firstDigest.take().toHex(), secondDigest.take().toHex());
-    }
-}
-
-Digits hashEach(int first, int second, const std::stop_token& stop) {
-    struct stat status{};
-    if (fstat(first, &status) != 0) return tl::unexpected<int>(errno);
-    SystemResult<QByteArray> firstDigits;
-    const auto hashFirst = [&] {
-        firstDigits = hashDescriptor(first, stop);
-    };
-    std::optional<std::jthread> other;
-    if (status.st_size >= largeFile) other.emplace(hashFirst);
-    SystemResult<QByteArray> secondDigits = hashDescriptor(second, stop);
-    if (other)
-        other->join();
-    else
-        hashFirst();
-    if (!firstDigits) return tl::unexpected<int>(firstDigits.error());
-    if (!secondDigits) return tl::unexpected<int>(secondDigits.error());
-    return std::pair(std::move(*firstDigits), std::move(*secondDigits));
 }
 
 }  // namespace
@@ -121,7 +74,22 @@ SystemResult<QByteArray> hashDescriptor(int descriptor, const std::stop_token& s
 
 SystemResult<std::pair<QByteArray, QByteArray>> hashDescriptors(int first, int second,
                                                                 const std::stop_token& stop) {
-    return ProcessorDigest::isAvailable() ? hashTogether(first, second, stop) : hashEach(first, second, stop);
+    struct stat status{};
+    if (fstat(first, &status) != 0) return tl::unexpected<int>(errno);
+    SystemResult<QByteArray> firstDigits;
+    const auto hashFirst = [&] {
+        firstDigits = hashDescriptor(first, stop);
+    };
+    std::optional<std::jthread> other;
+    if (status.st_size >= largeFile) other.emplace(hashFirst);
+    SystemResult<QByteArray> secondDigits = hashDescriptor(second, stop);
+    if (other)
+        other->join();
+    else
+        hashFirst();
+    if (!firstDigits) return tl::unexpected<int>(firstDigits.error());
+    if (!secondDigits) return tl::unexpected<int>(secondDigits.error());
+    return std::pair(std::move(*firstDigits), std::move(*secondDigits));
 }
 
 Result<QByteArray> hash(const FilePath& file) {

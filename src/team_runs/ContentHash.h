@@ -14,7 +14,7 @@ namespace orvo::RunFiles {
 
 class Digest;
 
-/// SHA-256 of content that comes in pieces, by the fastest means that this processor and installation have.
+/// SHA-256 of content that comes in pieces, by the fastest means that this installation has.
 class ContentHash {
 public:
     ContentHash();

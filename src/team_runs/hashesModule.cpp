@@ -3,13 +3,18 @@
 #include <array>
 #include <memory>
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 namespace {
 
 const EVP_MD* algorithm() {
-    // Fetched once: looking it up costs more than hashing a small file.
-    static EVP_MD* const fetched = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+    // Fetched once: looking it up costs more than hashing a small file. Nothing here needs the library's
+    // settings.
+    static EVP_MD* const fetched = [] {
+        OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
+        return EVP_MD_fetch(nullptr, "SHA256", nullptr);
+    }();
     return fetched;
 }
 

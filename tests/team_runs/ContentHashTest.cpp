@@ -1,7 +1,7 @@
 #include "team_runs/ContentHash.h"
 
 #include "platform/loadModule.h"
-#include "team_runs/ProcessorDigest.h"
+#include "team_runs/Digest.h"
 #include "team_runs/Tree.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,6 @@
 namespace orvo {
 namespace {
 
-using RunFiles::ProcessorDigest;
 using test::Tree;
 
 QByteArray noise(qsizetype size, quint32 seed) {
@@ -29,56 +28,20 @@ QByteArray expected(const QByteArray& content) {
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
 }
 
-// In pieces that begin and end anywhere in a block; used again after each result.
-void expectRightDigests(RunFiles::Digest& digest) {
-    const QByteArray content = noise(400, 1);
-    for (qsizetype size = 0; size <= content.size(); ++size) {
-        const qsizetype first = size / 3;
-        const qsizetype second = size / 2 - first;
-        digest.add(content.constData(), static_cast<size_t>(first));
-        digest.add(content.constData() + first, static_cast<size_t>(second));
-        digest.add(content.constData() + first + second, static_cast<size_t>(size - first - second));
-        ASSERT_EQ(digest.take(), expected(content.left(size))) << size;
-    }
-}
-
-TEST(ContentHash, TheProcessorsDigestIsSHA256) {
-    if (!ProcessorDigest::isAvailable()) GTEST_SKIP() << "this processor has no instructions for it";
-    ProcessorDigest digest;
-    expectRightDigests(digest);
-}
-
 TEST(ContentHash, TheModulesDigestIsSHA256) {
     const auto make =
         reinterpret_cast<RunFiles::DigestFunction>(loadModule("orvo_hashes", RunFiles::digestSymbol));
     ASSERT_NE(make, nullptr);
     const std::unique_ptr<RunFiles::Digest> digest(make());
-    expectRightDigests(*digest);
-}
-
-TEST(ContentHash, TwoContentsTogetherHaveTheDigestsThatEachHasAlone) {
-    if (!ProcessorDigest::isAvailable()) GTEST_SKIP() << "this processor has no instructions for it";
-    const QByteArray left = noise(1000, 2);
-    const QByteArray right = noise(1000, 3);
-    QRandomGenerator random(20'04);
-    for (int round = 0; round < 300; ++round) {
-        ProcessorDigest first;
-        ProcessorDigest second;
-        qsizetype firstSize = 0;
-        qsizetype secondSize = 0;
-        for (int piece = 0; piece < 3; ++piece) {
-            // Whole blocks on both sides now and then, so that the pieces after them start together.
-            const int step = random.bounded(2) == 0 ? 64 : 1;
-            const qsizetype firstPiece = qsizetype{random.bounded(5)} * step;
-            const qsizetype secondPiece = qsizetype{random.bounded(5)} * step;
-            ProcessorDigest::addToBoth(first, left.constData() + firstSize, static_cast<size_t>(firstPiece),
-                                       second, right.constData() + secondSize,
-                                       static_cast<size_t>(secondPiece));
-            firstSize += firstPiece;
-            secondSize += secondPiece;
-        }
-        ASSERT_EQ(first.take(), expected(left.left(firstSize)));
-        ASSERT_EQ(second.take(), expected(right.left(secondSize)));
+    // In pieces that begin and end anywhere in a block; used again after each result.
+    const QByteArray content = noise(400, 1);
+    for (qsizetype size = 0; size <= content.size(); ++size) {
+        const qsizetype first = size / 3;
+        const qsizetype second = size / 2 - first;
+        digest->add(content.constData(), static_cast<size_t>(first));
+        digest->add(content.constData() + first, static_cast<size_t>(second));
+        digest->add(content.constData() + first + second, static_cast<size_t>(size - first - second));
+        ASSERT_EQ(digest->take(), expected(content.left(size))) << size;
     }
 }
 
