@@ -25,9 +25,9 @@ StartAhead::StartAhead()
           (void)brand::ring();
       })) {}
 
-void StartAhead::continueWithApplication() {
+std::future<void> StartAhead::listFontFamilies() {
     // The first question fills Qt's font database, which it guards with a lock of its own.
-    m_families = std::async(policy, [] { (void)QFontDatabase::families(); });
+    return std::async(policy, [] { (void)QFontDatabase::families(); });
 }
 
 }  // namespace orvo

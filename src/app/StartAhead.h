@@ -11,12 +11,12 @@ class StartAhead {
 public:
     StartAhead();
 
-    /// Goes on with what needs the application object: the families of fonts. Called once it is there.
-    void continueWithApplication();
+    /// Goes on with what needs the application object: the families of fonts. The result waits for its end
+    /// when it is destroyed, which must be before the application object is.
+    [[nodiscard]] static std::future<void> listFontFamilies();
 
 private:
     std::future<void> m_done;
-    std::future<void> m_families;
 };
 
 }  // namespace orvo

@@ -88,11 +88,11 @@ int showWindow(const char* program, const Options& options) {
         std::fprintf(stderr, "orvo: %s\n", qUtf8Printable(display.error().message));
         return 1;
     }
-    StartAhead ahead;
+    const StartAhead ahead;
     const QByteArray activationToken = takeActivationToken();
     QtArguments arguments(program, *display);
     QApplication application(arguments.count(), arguments.values());
-    ahead.continueWithApplication();
+    const std::future<void> fontFamilies = StartAhead::listFontFamilies();
     // Qt has read what the desktop wants to be told once the window is there.
     qunsetenv("DESKTOP_STARTUP_ID");
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));

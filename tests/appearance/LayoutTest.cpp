@@ -118,11 +118,12 @@ TEST_F(Layout, ALineIsPaintedWholeInItsOwnWidthAndShortenedInLess) {
         painter.end();
         return image;
     };
-    for (const QString& text :
-         {QStringLiteral("Open project"), QStringLiteral("R&D & <b>more</b>"), QStringLiteral("two\nlines"),
-          QStringLiteral("e\u0301 \u6f22\u5b57 \u05e9\u05dc\u05d5\u05dd")}) {
+    for (const QString& text : {QStringLiteral("Open project"), QStringLiteral("R&D & <b>more</b>"),
+                                QStringLiteral("two\nlines,\ta tab"),
+                                QStringLiteral("e\u0301 \u6f22\u5b57 \u05e9\u05dc\u05d5\u05dd")}) {
         const int width = measureText(font, text);
-        EXPECT_NEAR(width, QFontMetrics(font).horizontalAdvance(QString(text).replace(u'\n', u' ')), 1);
+        const QString spaced = QString(text).replace(u'\n', u' ').replace(u'\t', u' ');
+        EXPECT_NEAR(width, QFontMetrics(font).horizontalAdvance(spaced), 1);
         EXPECT_EQ(inked(text, width, Qt::ElideRight), inked(text, width, Qt::ElideNone)) << qPrintable(text);
         const QImage shortened = inked(text, width * 2 / 3, Qt::ElideRight);
         EXPECT_NE(shortened, inked(text, width, Qt::ElideNone)) << qPrintable(text);

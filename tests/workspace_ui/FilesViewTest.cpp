@@ -67,7 +67,11 @@ TEST_F(FilesViewTest, BrowsesFiltersAndGoesUp) {
     auto* const filter = find<TextField>(screen(), text("Find a file…"));
     filter->setText(text("READ"));
     EXPECT_EQ(rows(), text("readme.md"));
+    EXPECT_FALSE(shows(screen(), text("No file matches.")));
+    filter->setText(text("no such file"));
+    EXPECT_TRUE(shows(screen(), text("No file matches.")));
     filter->setText(QString());
+    EXPECT_FALSE(shows(screen(), text("No file matches.")));
     click("src");
     EXPECT_EQ(rows(), text("deep a2.txt"));
     EXPECT_TRUE(shows(screen(), text("src")));

@@ -21,8 +21,10 @@ using LineKey = std::pair<QFont, QString>;
 
 std::shared_ptr<QTextLayout> shape(const QFont& font, const QString& text) {
     QString line = text;
-    auto layout =
-        std::make_shared<QTextLayout>(line.replace(u'\n', u' ').replace(QChar::LineSeparator, u' '), font);
+    for (QChar& character : line) {
+        if (character == u'\n' || character == u'\t' || character == QChar::LineSeparator) character = u' ';
+    }
+    auto layout = std::make_shared<QTextLayout>(line, font);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     // Their width counts, as it does in QFontMetrics.

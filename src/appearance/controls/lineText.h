@@ -10,8 +10,8 @@ class QPainter;
 namespace orvo {
 
 /// One line of plain text, shaped once for measuring and painting alike: shaping is what text costs, and
-/// every control asks for its width several times before it paints. Line feeds count as spaces, ampersands as
-/// themselves. Window's thread only.
+/// every control asks for its width several times before it paints. Line feeds and tabs count as spaces,
+/// ampersands as themselves. Window's thread only.
 
 /// How far the text reaches in dip, rounded; 0 for none.
 int measureText(const QFont& font, const QString& text);

@@ -3,6 +3,7 @@
 #include "appearance/controls/ElidedLabel.h"
 #include "appearance/controls/OrvoButton.h"
 #include "appearance/controls/TextField.h"
+#include "appearance/controls/TextLabel.h"
 #include "appearance/controls/layouts.h"
 #include "files/ui/FileList.h"
 #include "platform/observe.h"
@@ -37,10 +38,16 @@ FileBrowser::FileBrowser(Workspace& workspace, QWidget* parent) : Card(parent), 
     connect(m_reload, &OrvoButton::clicked, this, [this] { m_workspace.files().refreshFiles(); });
     column->addLayout(heading);
     column->addSpacing(4);
+    m_nothingFound = new TextLabel(tr("No file matches."), TypeRole::Caption, Ink::Muted);
+    m_nothingFound->setContentsMargins(padding + FileList::rowPadding, 0, 0, 0);
+    column->addWidget(m_nothingFound);
     m_list = new FileList(workspace.files());
     column->addWidget(m_list, 1);
 
     observe(workspace.files(), {&ProjectFiles::searchChanged}, this, [this] { refreshSearch(); });
+    // The list has its rows by now: it hears of these first.
+    observe(workspace.files(), {&ProjectFiles::searchChanged, &ProjectFiles::filesChanged}, this,
+            [this] { refreshNothingFound(); });
     observe(workspace.files(), {&ProjectFiles::browsingFolderChanged}, this, [this] { refreshFolder(); });
     observe(workspace, {&Workspace::folderChanged}, this, [this] { refreshFolder(); });
 }
@@ -48,6 +55,10 @@ FileBrowser::FileBrowser(Workspace& workspace, QWidget* parent) : Card(parent), 
 void FileBrowser::refreshSearch() {
     const QString& search = m_workspace.files().search();
     if (m_search->text() != search) m_search->setText(search);
+}
+
+void FileBrowser::refreshNothingFound() {
+    m_nothingFound->setVisible(!m_workspace.files().search().isEmpty() && m_list->model()->rowCount() == 0);
 }
 
 void FileBrowser::refreshFolder() {

@@ -8,6 +8,7 @@ class ElidedLabel;
 class FileList;
 class OrvoButton;
 class TextField;
+class TextLabel;
 class Workspace;
 
 /// One folder of the project at a time: a filter, the folder's name, the way up, and its files.
@@ -19,6 +20,7 @@ public:
 
 private:
     void refreshSearch();
+    void refreshNothingFound();
     void refreshFolder();
     void goUp();
 
@@ -27,6 +29,7 @@ private:
     ElidedLabel* m_folder;
     OrvoButton* m_up;
     OrvoButton* m_reload;
+    TextLabel* m_nothingFound;
     FileList* m_list;
 };
 
