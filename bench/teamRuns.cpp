@@ -39,12 +39,15 @@ struct Project {
     int leastBytes;
     int mostBytes;
     int depth;
+    /// Of the files, those that are as large as in the large project.
+    int largeFiles = 0;
 };
 
+constexpr std::pair largeBytes{24'000'000, 30'000'000};
+
 constexpr std::array projects = {
-    Project{"small", 5000, 200, 8'000, 2},
-    Project{"large", 5, 24'000'000, 30'000'000, 0},
-    Project{"mixed", 600, 200, 90'000, 3},
+    Project{"small", 5000, 200, 8'000, 2},    Project{"large", 5, 0, 0, 0, 5},
+    Project{"mixed", 2003, 200, 8'000, 3, 3}, Project{"medium", 600, 200, 90'000, 3},
     Project{"deep", 600, 200, 8'000, 24},
 };
 
@@ -87,6 +90,7 @@ pid_t forked(const std::function<int()>& work) {
 /// Another program, whose output goes nowhere.
 pid_t spawned(std::vector<std::string> words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
@@ -121,9 +125,9 @@ void generate(const Project& project, const fs::path& root) {
             folder /= "folder-" + std::to_string((index >> (2 * std::min(level, 6))) % 7);
         fs::create_directories(folder);
         std::ofstream stream(folder / ("file-" + std::to_string(index) + ".txt"), std::ios::binary);
-        auto size = static_cast<size_t>(
-            project.leastBytes +
-            static_cast<int>(random() % static_cast<unsigned>(project.mostBytes - project.leastBytes)));
+        const auto [least, most] =
+            index < project.largeFiles ? largeBytes : std::pair(project.leastBytes, project.mostBytes);
+        auto size = static_cast<size_t>(least) + random() % static_cast<unsigned>(most - least);
         for (; size > 0; size -= std::min(size, text.size()))
             stream.write(text.data(), static_cast<std::streamsize>(std::min(size, text.size())));
     }

@@ -25,9 +25,8 @@ StartAhead::StartAhead()
           (void)brand::ring();
       })) {}
 
-std::future<void> StartAhead::listFontFamilies() {
-    // The first question fills Qt's font database, which it guards with a lock of its own.
-    return std::async(policy, [] { (void)QFontDatabase::families(); });
-}
+// The first question fills Qt's font database, which it guards with a lock of its own.
+FontFamiliesAhead::FontFamiliesAhead()
+    : m_done(std::async(policy, [] { (void)QFontDatabase::families(); })) {}
 
 }  // namespace orvo

@@ -11,9 +11,15 @@ class StartAhead {
 public:
     StartAhead();
 
-    /// Goes on with what needs the application object: the families of fonts. The result waits for its end
-    /// when it is destroyed, which must be before the application object is.
-    [[nodiscard]] static std::future<void> listFontFamilies();
+private:
+    std::future<void> m_done;
+};
+
+/// Lists the families of fonts on another core, which needs the application object: it is made after that,
+/// and its end, which waits, comes before that object's.
+class FontFamiliesAhead {
+public:
+    FontFamiliesAhead();
 
 private:
     std::future<void> m_done;

@@ -92,7 +92,7 @@ int showWindow(const char* program, const Options& options) {
     const QByteArray activationToken = takeActivationToken();
     QtArguments arguments(program, *display);
     QApplication application(arguments.count(), arguments.values());
-    const std::future<void> fontFamilies = StartAhead::listFontFamilies();
+    const FontFamiliesAhead fontFamilies;
     // Qt has read what the desktop wants to be told once the window is there.
     qunsetenv("DESKTOP_STARTUP_ID");
     QCoreApplication::setApplicationName(QStringLiteral("Orvo AI"));

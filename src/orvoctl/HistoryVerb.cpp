@@ -30,7 +30,7 @@ void printList(const QList<HistoryEntry>& entries, const Assistants& assistants)
     for (const HistoryEntry& entry : entries) {
         // As it is named now; a connector that is gone has only its id.
         const Provider provider = assistants.provider(entry.provider);
-        const QString name = provider.id == entry.provider ? provider.name : entry.provider;
+        const QString name = provider.id == entry.provider ? provider.shownName() : entry.provider;
         rows.append({idOf(entry), entry.started.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")),
                      QStringLiteral("exit %1").arg(entry.exitCode), oneLine(name), oneLine(entry.title)});
     }

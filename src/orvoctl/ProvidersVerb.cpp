@@ -49,7 +49,8 @@ QJsonArray asJson(const Assistants& assistants) {
 void printTable(const Assistants& assistants) {
     QList<QStringList> rows;
     for (const Provider& provider : assistants.providers()) {
-        rows.append({oneLine(provider.id), oneLine(provider.name), assistants.connectionLabel(provider),
+        rows.append({oneLine(provider.id), oneLine(provider.shownName()),
+                     assistants.connectionLabel(provider),
                      oneLine(assistants.available().value(provider.id).display())});
     }
     QByteArrayList lines = columns(rows).split('\n');

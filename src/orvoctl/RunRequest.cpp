@@ -58,7 +58,7 @@ QStringList chosenIds(const Invocation& invocation, const RunRequest& request, c
 std::optional<QString> refusal(const Assistants& assistants, const Provider& provider, const QString& task) {
     if (!assistants.isReady(provider)) {
         return QStringLiteral("%1 is not ready: %2.")
-            .arg(provider.name, assistants.connectionLabel(provider));
+            .arg(provider.shownName(), assistants.connectionLabel(provider));
     }
     return taskRefusal(provider, task, provider.batchCommand(task));
 }

@@ -35,7 +35,7 @@ bool isFolder(const FilePath& path) {
 QStringList namesOf(const QList<Provider>& providers) {
     QStringList names;
     for (const Provider& provider : providers)
-        names.append(provider.name);
+        names.append(provider.shownName());
     return names;
 }
 

@@ -123,7 +123,7 @@ ExitStatus compare(const Invocation& invocation) {
 
     const bool streams = invocation.format() == Invocation::Format::Text;
     Stream stream(*session);
-    WatchedSessions watched({host.provider(QStringLiteral("codex")).name}, {session});
+    WatchedSessions watched({host.provider(QStringLiteral("codex")).shownName()}, {session});
     if (streams) {
         QObject::connect(session.get(), &TerminalSession::revisionChanged, &watched,
                          [&stream] { stream.printNew(); });

@@ -141,7 +141,7 @@ void Workspace::dismissConnector() {
 
 void Workspace::saveProvider(const Provider& provider) {
     m_assistants.saveProvider(provider);
-    notify(tr("%1 configuration saved.").arg(provider.name));
+    notify(tr("%1 configuration saved.").arg(provider.shownName()));
 }
 
 void Workspace::notify(const QString& message) {

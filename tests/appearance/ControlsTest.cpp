@@ -34,7 +34,7 @@ struct Maker {
 };
 
 template <class Control, class... Arguments>
-Maker maker(const char* what, Arguments... arguments) {
+Maker maker(const char* what, const Arguments&... arguments) {
     return {what, [=](QWidget* window) {
                 return new Control(arguments..., window);
             }};

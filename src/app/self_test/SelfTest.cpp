@@ -77,8 +77,9 @@ QString connectorLines(const Workspace& workspace) {
     QString lines;
     for (const Provider& provider : Provider::defaults()) {
         const FilePath executable = workspace.assistants().available().value(provider.id);
-        lines += QStringLiteral("- %1: %2\n")
-                     .arg(provider.name, executable.isEmpty() ? tr("not installed") : executable.display());
+        lines +=
+            QStringLiteral("- %1: %2\n")
+                .arg(provider.shownName(), executable.isEmpty() ? tr("not installed") : executable.display());
     }
     return lines;
 }

@@ -40,11 +40,10 @@ std::shared_ptr<QTextLayout> shape(const QFont& font, const QString& text) {
 std::shared_ptr<QTextLayout> shaped(const QFont& font, const QString& text) {
     if (text.size() > longestKept) return shape(font, text);
     static QCache<LineKey, std::shared_ptr<QTextLayout>> kept(keptCharacters);
-    LineKey key(font, text);
+    const LineKey key(font, text);
     if (const std::shared_ptr<QTextLayout>* const known = kept.object(key)) return *known;
     std::shared_ptr<QTextLayout> layout = shape(font, text);
-    kept.insert(std::move(key), new std::shared_ptr<QTextLayout>(layout),
-                std::max<qsizetype>(text.size(), 8));
+    kept.insert(key, new std::shared_ptr<QTextLayout>(layout), std::max<qsizetype>(text.size(), 8));
     return layout;
 }
 
