@@ -25,8 +25,9 @@ bool isLink(int folder, const char* name) {
     return fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
 }
 
-/// One component, for systems without openat2.
+/// One name in `folder`. Never upward, as openat2 refuses it too.
 SystemResult<FileDescriptor> openChild(int folder, const QByteArray& name) {
+    if (name == "..") return tl::unexpected<int>(EXDEV);
     FileDescriptor child(openat(folder, name.constData(), folderFlags | O_NOFOLLOW));
     if (child.isOpen()) return child;
     const int code = errno;
@@ -47,7 +48,7 @@ SystemResult<FileDescriptor> openByComponents(int folder, const QByteArray& path
 
 /// A path that one system call takes.
 SystemResult<FileDescriptor> openShortPath(int folder, const QByteArray& path) {
-    // One name leads nowhere else, and the plain call is cheaper.
+    // The plain call is cheaper.
     if (!path.contains('/')) return openChild(folder, path);
     static std::atomic<bool> supported{true};
     if (supported) {

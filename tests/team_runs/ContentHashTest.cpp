@@ -9,20 +9,12 @@
 #include <fcntl.h>
 
 #include <QCryptographicHash>
-#include <QRandomGenerator>
 
 namespace orvo {
 namespace {
 
+using test::noise;
 using test::Tree;
-
-QByteArray noise(qsizetype size, quint32 seed) {
-    QRandomGenerator generator(seed);
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator.generate());
-    return bytes;
-}
 
 QByteArray expected(const QByteArray& content) {
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256);

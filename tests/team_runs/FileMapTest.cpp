@@ -185,6 +185,8 @@ TEST(FolderAccess, NoLinkIsFollowedOnTheWay) {
         EXPECT_EQ(makeFolderBeneath(root->number(), QByteArray(path) + "/new").error(), ELOOP) << path;
     }
     EXPECT_EQ(openFolderBeneath(root->number(), "real/sub/file").error(), ENOTDIR);
+    for (const char* const path : {"..", "real/../.."})
+        EXPECT_EQ(openFolderBeneath(root->number(), path).error(), EXDEV) << path;
     EXPECT_EQ(openFolderBeneath(root->number(), "real/none").error(), ENOENT);
     EXPECT_TRUE(makeFolderBeneath(root->number(), "real/new/deep/er"));
     EXPECT_TRUE(tree.exists("real/new/deep/er"));

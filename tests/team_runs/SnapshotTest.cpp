@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
-#include <QRandomGenerator>
 
 #include <algorithm>
 #include <thread>
@@ -16,15 +15,8 @@
 namespace orvo {
 namespace {
 
+using test::noise;
 using test::Tree;
-
-QByteArray noise(int size, quint32 seed) {
-    QRandomGenerator generator(seed);
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator.generate());
-    return bytes;
-}
 
 TEST(Snapshot, EveryDestinationHoldsTheFilesWithTheirPermissionsAndTimes) {
     const Tree tree;

@@ -4,6 +4,7 @@
 #include "platform/readFile.h"
 
 #include <QDir>
+#include <QRandomGenerator>
 
 #include <array>
 #include <climits>
@@ -50,6 +51,14 @@ void draw(const FilePath& folder, const QByteArray& prefix, QMap<QByteArray, QBy
 }
 
 }  // namespace
+
+QByteArray noise(qsizetype size, quint32 seed) {
+    QRandomGenerator generator(seed);
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (char& byte : bytes)
+        byte = static_cast<char>(generator.generate());
+    return bytes;
+}
 
 Tree::Tree(Place place) {
     const QByteArray memory("/dev/shm");

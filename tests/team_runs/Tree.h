@@ -10,6 +10,9 @@
 
 namespace orvo::test {
 
+/// Bytes without an order; the same for the same seed.
+QByteArray noise(qsizetype size, quint32 seed);
+
 /// A private temporary folder with shorthands for what tests put into folders. Names are bytes. Failures of
 /// the shorthands themselves end the test program: nothing after them would mean anything.
 class Tree {
