@@ -134,6 +134,9 @@ public:
         QDir home(m_folder.path());
         // The shells of sessions look for programs below HOME too.
         qputenv("HOME", QFile::encodeName(home.path()));
+        // Each palette begins without the runs of the one before.
+        for (const char* const name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            qputenv(name, QFile::encodeName(home.filePath(QLatin1String(name))));
         home.mkpath(QStringLiteral(".local/bin"));
         for (const char* name : installedTools) {
             QFile program(home.filePath(QStringLiteral(".local/bin/") + QLatin1String(name)));
