@@ -1,6 +1,7 @@
 #include "appearance/controls/lineText.h"
 
 #include <QCache>
+#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QTextLayout>
@@ -37,9 +38,23 @@ std::shared_ptr<QTextLayout> shape(const QFont& font, const QString& text) {
     return layout;
 }
 
+/// Emptied with the application object: shaped text holds fonts, which must not outlive it.
+class KeptLines : public QCache<LineKey, std::shared_ptr<QTextLayout>> {
+public:
+    static KeptLines& instance() {
+        static KeptLines lines;
+        return lines;
+    }
+
+private:
+    KeptLines() : QCache(keptCharacters) {
+        qAddPostRoutine([] { instance().clear(); });
+    }
+};
+
 std::shared_ptr<QTextLayout> shaped(const QFont& font, const QString& text) {
     if (text.size() > longestKept) return shape(font, text);
-    static QCache<LineKey, std::shared_ptr<QTextLayout>> kept(keptCharacters);
+    KeptLines& kept = KeptLines::instance();
     const LineKey key(font, text);
     if (const std::shared_ptr<QTextLayout>* const known = kept.object(key)) return *known;
     std::shared_ptr<QTextLayout> layout = shape(font, text);
